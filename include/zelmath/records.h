@@ -1,0 +1,72 @@
+// The records that every alignment element operation exchanges: a point on an
+// element, an element given by its two ends, and the result codes.
+#pragma once
+
+#include <cstdint>
+
+#include <zellib/zellib.h>
+#include <zelmath/zelmath_export.h>
+
+namespace zelmath {
+
+using zellib::CA3DCoordinate;
+using zellib::CAAngle;
+using zellib::CAAzimuth;
+using zellib::CACoordinate;
+using zellib::CALength;
+using zellib::CASlope;
+using zellib::CASlopeUser;
+using zellib::CAValue;
+
+// A point on an alignment element.
+class ZELMATH_EXPORT CAxisPointSpec {
+public:
+    CALength Station;         // station of the point (metres)
+    CAAzimuth Azimuth;        // tangent direction towards increasing station
+    CALength Radius;          // signed radius of curvature; 0 for a straight
+    CACoordinate Coordinate;  // the point (East, North)
+};
+
+// An alignment element described by its two ends. End holds the larger
+// station and is stored before Start. ComplexType is the transition kind 0 to 3
+// set by CMathComplexShape::GetComplextype; a default-constructed record holds
+// NotClassified, which every element operation treats as an unknown kind.
+class ZELMATH_EXPORT CAxisComplexSpec {
+public:
+    static constexpr std::int32_t NotClassified = -1;
+
+    CAxisComplexSpec() = default;
+    CAxisComplexSpec(CAxisComplexSpec const&) = default;
+    CAxisComplexSpec& operator=(CAxisComplexSpec const&) = default;
+    virtual ~CAxisComplexSpec() = default;
+
+    CALength Parameter;  // the element's shape parameter (a clothoid's A)
+    CAxisPointSpec End;
+    CAxisPointSpec Start;
+    std::int32_t ComplexType = NotClassified;
+};
+
+// Result of projections and iterations.
+class ZELMATH_EXPORT TPointMathResult {
+public:
+    enum Type {
+        OnElement = 0,    // the foot lies on the element
+        BeforeStart = 1,  // before the start; the start point is reported
+        BeyondEnd = 2,    // beyond the end; the end point is reported
+        NoSolution = 3    // the iteration found no foot
+    };
+};
+
+// Result of the intersections of lines, circles and planes.
+class ZELMATH_EXPORT TIntersectionResult {
+public:
+    enum Type {
+        NoIntersection = 0,
+        OneIntersection = 1,
+        TwoIntersections = 2,
+        Coincident = 3,  // the two lines are one; no point is written
+        Tangent = 4      // the line touches the circle
+    };
+};
+
+}  // namespace zelmath

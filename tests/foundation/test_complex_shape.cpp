@@ -1,0 +1,124 @@
+#include <zelmath/zelmath.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace zelmath;
+
+namespace {
+
+int Classify(double startRadius, double endRadius)
+{
+    CAxisComplexSpec e;
+    e.Start.Radius = startRadius;
+    e.End.Radius = endRadius;
+    CMathComplexShape::GetComplextype(&e);
+    return e.ComplexType;
+}
+
+// The kind from the table of transition shapes, written independently: a radius
+// counts as straight below 0.2 m in magnitude.
+int ExpectedKind(double rs, double re)
+{
+    bool const straightStart = std::fabs(rs) < 0.2;
+    bool const straightEnd = std::fabs(re) < 0.2;
+    if (straightStart) {
+        return 0;  // straight into curve, or both straight
+    }
+    if (straightEnd) {
+        return 1;
+    }
+    return std::fabs(rs) > std::fabs(re) ? 2 : 3;
+}
+
+}  // namespace
+
+TEST(GetComplextype, SmallStartRadiusSnapsToStraight)
+{
+    EXPECT_EQ(Classify(0.19, 500.0), 0);
+}
+
+TEST(GetComplextype, SmallEndRadiusSnapsToStraight)
+{
+    EXPECT_EQ(Classify(500.0, -0.1), 1);
+}
+
+TEST(GetComplextype, EqualMagnitudesOfOppositeSignAreGrowing)
+{
+    EXPECT_EQ(Classify(-300.0, 300.0), 3);
+}
+
+TEST(GetComplextype, ShrinkingRadius)
+{
+    EXPECT_EQ(Classify(-600.0, 300.0), 2);
+}
+
+TEST(GetComplextype, BothStraight)
+{
+    EXPECT_EQ(Classify(0.0, 0.0), 0);
+    EXPECT_EQ(Classify(0.1, -0.15), 0);
+    EXPECT_EQ(Classify(-0.19999, 0.19999), 0);
+}
+
+TEST(GetComplextype, RadiiInTheRecordAreKept)
+{
+    CAxisComplexSpec e;
+    e.Start.Radius = 0.1;
+    e.End.Radius = -0.1;
+    e.Parameter = 123.0;
+    e.Start.Station = 5.0;
+    e.End.Station = 6.0;
+    CMathComplexShape::GetComplextype(&e);
+    EXPECT_EQ(e.ComplexType, 0);
+    EXPECT_EQ(e.Start.Radius.Double(), 0.1);
+    EXPECT_EQ(e.End.Radius.Double(), -0.1);
+    EXPECT_EQ(e.Parameter.Double(), 123.0);
+    EXPECT_EQ(e.Start.Station.Double(), 5.0);
+    EXPECT_EQ(e.End.Station.Double(), 6.0);
+}
+
+TEST(GetComplextype, OverwritesAPreviousKind)
+{
+    CAxisComplexSpec e;
+    e.ComplexType = 2;
+    e.Start.Radius = 0.0;
+    e.End.Radius = 0.0;
+    CMathComplexShape::GetComplextype(&e);
+    EXPECT_EQ(e.ComplexType, 0);
+}
+
+TEST(GetComplextype, ThresholdIsExactlyPointTwo)
+{
+    // 0.2 itself is not below the threshold: it is a curve.
+    EXPECT_EQ(Classify(0.2, 0.0), 1);
+    EXPECT_EQ(Classify(std::nextafter(0.2, 0.0), 100.0), 0);
+}
+
+TEST(GetComplextype, MagnitudesWithinTheValueToleranceAreEqual)
+{
+    // The shrink test is a value comparison: a start radius larger by less than
+    // the tolerance is not greater, so the element counts as growing.
+    EXPECT_EQ(Classify(300.0 + 5e-11, 300.0), 3);
+    EXPECT_EQ(Classify(300.0 + 1e-6, 300.0), 2);
+}
+
+TEST(GetComplextype, GridOfRadiusPairsFollowsTheTable)
+{
+    double const radii[] = {-5000.0, -600.0, -300.0, -150.0, -0.5, -0.19, -0.1, 0.0,
+                            0.05,    0.19,   0.2,    0.5,    150.0, 300.0, 600.0, 5000.0};
+    for (double rs : radii) {
+        for (double re : radii) {
+            EXPECT_EQ(Classify(rs, re), ExpectedKind(rs, re)) << "start " << rs << " end " << re;
+        }
+    }
+}
+
+TEST(GetComplextype, NaNRadiusIsACurve)
+{
+    // NaN is not below the threshold and is not equal to 0.
+    double const nan = std::nan("");
+    EXPECT_EQ(Classify(0.0, nan), 0);
+    EXPECT_EQ(Classify(nan, 0.0), 1);
+    EXPECT_EQ(Classify(nan, 300.0), 3);  // NaN > 300 is false
+}
