@@ -1,0 +1,9 @@
+// The clothoid transition element (CMathClothoid).
+#pragma once
+
+#include <zelmath/records.h>
+#include <zelmath/zelmath_export.h>
+
+namespace zelmath {
+
+}  // namespace zelmath
