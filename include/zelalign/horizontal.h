@@ -1,0 +1,143 @@
+// The horizontal alignment: an ordered chain of straights, arcs and transition
+// curves, each held as the element record of zelmath and handed to that
+// element's class for the point at a station and the foot of a measured point.
+//
+// Stations are those of the whole alignment: every element record carries the
+// alignment stations of its two ends in Start.Station and End.Station. Radii are
+// signed: positive bends to the right (azimuth growing with the station),
+// negative to the left, 0 is a straight. Azimuths run clockwise from North in
+// radians. The signed offset of a measured point is positive to the right of the
+// direction of increasing station and negative to the left.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <zelmath/records.h>
+
+namespace zelalign {
+
+enum class ElementType { Line, Arc, Clothoid, CubicParabola, HalfSine };
+
+// Short lower-case name of an element type ("line", "arc", "clothoid",
+// "cubic_parabola", "half_sine").
+char const* ElementTypeName(ElementType type);
+
+// One element of the chain. For a straight and an arc both radii of the record
+// hold the element's radius (0 for the straight); the transitions are
+// classified with CMathComplexShape::GetComplextype when the alignment is built.
+struct HorizontalElement {
+    ElementType type = ElementType::Line;
+    zelmath::CAxisComplexSpec spec;
+
+    double StartStation() const { return spec.Start.Station.Double(); }
+    double EndStation() const { return spec.End.Station.Double(); }
+    double Length() const { return EndStation() - StartStation(); }
+
+    static HorizontalElement Line(double startStation, double length, zelmath::CACoordinate const& start,
+                                  zelmath::CACoordinate const& end);
+    static HorizontalElement Arc(double startStation, double length, zelmath::CACoordinate const& start,
+                                 zelmath::CACoordinate const& end, double radius);
+    // A transition of the given type (Clothoid, CubicParabola or HalfSine) from
+    // radius startRadius to endRadius (0 for a straight end). The clothoid's
+    // parameter A is derived from the length and the radii.
+    static HorizontalElement Transition(ElementType type, double startStation, double length,
+                                        zelmath::CACoordinate const& start, zelmath::CACoordinate const& end,
+                                        double startRadius, double endRadius);
+};
+
+// A point of the alignment at a station.
+struct AlignmentPoint {
+    int element = -1;      // index of the element the station falls on
+    double station = 0.0;  // alignment station
+    double east = 0.0;
+    double north = 0.0;
+    double azimuth = 0.0;  // tangent direction towards increasing station (radians from North)
+    double radius = 0.0;   // signed radius; 0 on a straight
+};
+
+enum class ProjectionStatus {
+    OnElement,    // the foot of the perpendicular lies on an element
+    Kink,         // the point lies in the wedge outside a kink between two elements: the joint is reported
+    BeforeStart,  // before the alignment's start: the start point is reported
+    BeyondEnd,    // beyond the alignment's end: the end point is reported
+    NoSolution    // no element gave a foot
+};
+
+// Short lower-case name of a status ("on", "kink", "before_start", "beyond_end", "no_solution").
+char const* ProjectionStatusName(ProjectionStatus status);
+
+// The result of projecting a measured point onto the alignment. For OnElement
+// the offset is the signed perpendicular distance to the foot. For the other
+// statuses the reported point is the joint or the end point, and the offset is
+// the component of the measured point across the tangent there (the bisector of
+// the two tangents at a kink), and along the component in the tangent
+// direction (negative before the start, positive beyond the end).
+struct Projection {
+    ProjectionStatus status = ProjectionStatus::NoSolution;
+    AlignmentPoint foot;
+    double offset = 0.0;    // positive to the right of increasing station
+    double along = 0.0;     // 0 on an element
+    double distance = 0.0;  // distance from the measured point to the reported point
+};
+
+// A joint where an element's computed end does not meet the next element's start.
+struct JointGap {
+    int element = -1;  // the element whose end was computed; the gap is to element + 1
+    double station = 0.0;
+    double gap = 0.0;  // metres
+};
+
+class HorizontalAlignment {
+public:
+    HorizontalAlignment() = default;
+
+    // Builds the chain. Throws std::invalid_argument for an empty chain, an
+    // element of non-positive or non-finite length, a transition the element
+    // classes do not handle, or elements out of station order.
+    explicit HorizontalAlignment(std::vector<HorizontalElement> elements);
+
+    std::vector<HorizontalElement> const& Elements() const { return m_elements; }
+    std::size_t Size() const { return m_elements.size(); }
+    bool Empty() const { return m_elements.empty(); }
+    double StartStation() const;
+    double EndStation() const;
+
+    // Index of the element that holds the station (at a joint the later one),
+    // -1 when the station lies outside every element.
+    int ElementAt(double station) const;
+
+    // The point at an alignment station; false outside the alignment.
+    bool PointAt(double station, AlignmentPoint* point) const;
+
+    // The point at a station of one element (stations outside the element
+    // continue the element's geometry).
+    AlignmentPoint ElementPoint(int index, double station) const;
+
+    // Perpendicular projection of a measured point onto the chain.
+    Projection Project(double east, double north) const;
+
+    // Joints where the computed end of an element misses the next element's
+    // start by more than tolerance metres.
+    std::vector<JointGap> CheckJoints(double tolerance) const;
+
+private:
+    struct Box {
+        double minEast, minNorth, maxEast, maxNorth;
+    };
+    struct Foot {
+        int result;  // zelmath::TPointMathResult::Type
+        AlignmentPoint point;
+    };
+
+    Foot ElementFoot(int index, zelmath::CACoordinate const& p) const;
+    Box ElementBox(int index) const;
+
+    std::vector<HorizontalElement> m_elements;
+    std::vector<Box> m_boxes;
+    std::vector<AlignmentPoint> m_starts;  // computed start point of each element
+    std::vector<AlignmentPoint> m_ends;    // computed end point of each element
+};
+
+}  // namespace zelalign
