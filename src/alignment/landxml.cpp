@@ -1,0 +1,467 @@
+// LandXML 1.2 import of horizontal alignments and vertical profiles.
+#include <zelalign/landxml.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <sstream>
+#include <utility>
+
+#include <pugixml.hpp>
+
+#include <zelmath/long_prof_curve.h>
+
+namespace zelalign {
+
+using zelmath::CACoordinate;
+
+namespace {
+
+// A Curve's length attribute may differ from the length its points give by
+// this much (metres) before a warning is issued.
+constexpr double CurveLengthTolerance = 0.001;
+
+// Element names without a namespace prefix.
+char const* LocalName(pugi::xml_node node)
+{
+    char const* name = node.name();
+    char const* colon = std::strrchr(name, ':');
+    return colon ? colon + 1 : name;
+}
+
+pugi::xml_node Child(pugi::xml_node node, char const* name)
+{
+    for (pugi::xml_node c = node.first_child(); c; c = c.next_sibling()) {
+        if (c.type() == pugi::node_element && std::strcmp(LocalName(c), name) == 0) {
+            return c;
+        }
+    }
+    return pugi::xml_node();
+}
+
+class Reader {
+public:
+    Reader(std::string const& text, std::string source) : m_text(text), m_source(std::move(source)) {}
+
+    ImportedAlignment Read(std::string const& name);
+
+private:
+    int LineOf(std::ptrdiff_t offset) const
+    {
+        if (offset < 0) {
+            return 0;
+        }
+        auto const end = m_text.begin() + std::min<std::ptrdiff_t>(offset, static_cast<std::ptrdiff_t>(m_text.size()));
+        return 1 + static_cast<int>(std::count(m_text.begin(), end, '\n'));
+    }
+    int LineOf(pugi::xml_node node) const { return LineOf(node.offset_debug()); }
+
+    std::string Where(pugi::xml_node node) const
+    {
+        return m_source + ":" + std::to_string(LineOf(node)) + ": <" + LocalName(node) + ">";
+    }
+
+    [[noreturn]] void Fail(pugi::xml_node node, std::string const& message) const
+    {
+        throw LandXmlError(Where(node) + ": " + message);
+    }
+
+    void Warn(pugi::xml_node node, std::string const& message) { m_warnings.push_back(Where(node) + ": " + message); }
+
+    // A number; INF and -INF are accepted (as infinities) only when allowInfinite.
+    double Number(pugi::xml_node node, char const* what, char const* text, bool allowInfinite) const
+    {
+        std::string s(text);
+        s.erase(0, s.find_first_not_of(" \t\r\n"));
+        s.erase(s.find_last_not_of(" \t\r\n") + 1);
+        if (s == "INF" || s == "+INF" || s == "-INF") {
+            if (!allowInfinite) {
+                Fail(node, std::string(what) + " must be finite, not '" + s + "'");
+            }
+            return s[0] == '-' ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
+        }
+        char* end = nullptr;
+        errno = 0;
+        double const v = std::strtod(s.c_str(), &end);
+        if (s.empty() || end != s.c_str() + s.size() || errno == ERANGE || !std::isfinite(v)) {
+            Fail(node, std::string(what) + " is not a number: '" + s + "'");
+        }
+        return v;
+    }
+
+    bool Has(pugi::xml_node node, char const* attribute) const { return !node.attribute(attribute).empty(); }
+
+    double Attribute(pugi::xml_node node, char const* attribute, bool allowInfinite = false) const
+    {
+        pugi::xml_attribute a = node.attribute(attribute);
+        if (a.empty()) {
+            Fail(node, std::string("attribute '") + attribute + "' is missing");
+        }
+        return Number(node, (std::string("attribute '") + attribute + "'").c_str(), a.value(), allowInfinite);
+    }
+
+    // Two or more numbers of a node's text ("northing easting [elevation]" or "station height").
+    std::vector<double> Numbers(pugi::xml_node node, std::size_t wanted) const
+    {
+        if (!node.attribute("pntRef").empty()) {
+            Fail(node, "point references (pntRef) are not supported; write the coordinates");
+        }
+        std::istringstream in(node.child_value());
+        std::vector<double> values;
+        std::string word;
+        while (in >> word) {
+            values.push_back(Number(node, "coordinate", word.c_str(), false));
+        }
+        if (values.size() < wanted) {
+            Fail(node, "expected " + std::to_string(wanted) + " numbers, found " + std::to_string(values.size()));
+        }
+        return values;
+    }
+
+    CACoordinate Point(pugi::xml_node element, char const* name) const
+    {
+        pugi::xml_node node = Child(element, name);
+        if (!node) {
+            Fail(element, std::string("point <") + name + "> is missing");
+        }
+        std::vector<double> const v = Numbers(node, 2);
+        return CACoordinate(v[1], v[0]);  // northing easting
+    }
+
+    bool Clockwise(pugi::xml_node node) const
+    {
+        pugi::xml_attribute a = node.attribute("rot");
+        if (a.empty()) {
+            Fail(node, "attribute 'rot' is missing");
+        }
+        std::string const rot = a.value();
+        if (rot == "cw") {
+            return true;
+        }
+        if (rot == "ccw") {
+            return false;
+        }
+        Fail(node, "attribute 'rot' must be cw or ccw, not '" + rot + "'");
+    }
+
+    HorizontalElement ReadLine(pugi::xml_node node, double station);
+    HorizontalElement ReadCurve(pugi::xml_node node, double station);
+    HorizontalElement ReadSpiral(pugi::xml_node node, double station);
+    VerticalProfile ReadProfile(pugi::xml_node profAlign);
+
+    std::string const& m_text;
+    std::string m_source;
+    std::vector<std::string> m_warnings;
+};
+
+HorizontalElement Reader::ReadLine(pugi::xml_node node, double station)
+{
+    CACoordinate const start = Point(node, "Start");
+    CACoordinate const end = Point(node, "End");
+    double const chord = (end - start).Length().Double();
+    double const length = Has(node, "length") ? Attribute(node, "length") : chord;
+    return HorizontalElement::Line(station, length, start, end);
+}
+
+HorizontalElement Reader::ReadCurve(pugi::xml_node node, double station)
+{
+    bool const cw = Clockwise(node);
+    CACoordinate const start = Point(node, "Start");
+    CACoordinate const end = Point(node, "End");
+    pugi::xml_node centreNode = Child(node, "Center");
+    double radius = 0.0;
+    double length = 0.0;
+    bool lengthKnown = false;
+    if (Has(node, "radius")) {
+        radius = std::fabs(Attribute(node, "radius"));
+    }
+    if (centreNode) {
+        CACoordinate const centre = Point(node, "Center");
+        if (radius == 0.0) {
+            radius = (start - centre).Length().Double();
+        }
+        // Angle swept from the start radius to the end radius in the turning sense.
+        double const as = (start - centre).Azimuth().Double();
+        double const ae = (end - centre).Azimuth().Double();
+        double const swept = zellib::NormalizeAngle(cw ? ae - as : as - ae);
+        length = radius * swept;
+        lengthKnown = true;
+    }
+    if (!(radius > 0.0)) {
+        Fail(node, "needs a radius (attribute 'radius' or a <Center> point)");
+    }
+    if (Has(node, "length")) {
+        double const given = Attribute(node, "length");
+        if (lengthKnown && std::fabs(given - length) > CurveLengthTolerance) {
+            std::ostringstream msg;
+            msg << "length " << given << " differs from the arc through its points (" << length << ") by "
+                << std::fabs(given - length) << " m";
+            Warn(node, msg.str());
+        }
+        length = given;
+    } else if (!lengthKnown) {
+        double const chord = (end - start).Length().Double();
+        length = 2.0 * radius * std::asin(std::min(1.0, chord / (2.0 * radius)));
+    }
+    return HorizontalElement::Arc(station, length, start, end, cw ? radius : -radius);
+}
+
+HorizontalElement Reader::ReadSpiral(pugi::xml_node node, double station)
+{
+    double const length = Attribute(node, "length");
+    double const rs = Attribute(node, "radiusStart", true);
+    double const re = Attribute(node, "radiusEnd", true);
+    bool const cw = Clockwise(node);
+    pugi::xml_attribute typeAttr = node.attribute("spiType");
+    if (typeAttr.empty()) {
+        Fail(node, "attribute 'spiType' is missing");
+    }
+    std::string const spiType = typeAttr.value();
+    CACoordinate const start = Point(node, "Start");
+    CACoordinate const end = Point(node, "End");
+    double const sign = cw ? 1.0 : -1.0;
+    auto signedRadius = [sign](double r) { return std::isinf(r) ? 0.0 : sign * std::fabs(r); };
+    double const radiusStart = signedRadius(rs);
+    double const radiusEnd = signedRadius(re);
+    if ((radiusStart == 0.0 && !std::isinf(rs)) || (radiusEnd == 0.0 && !std::isinf(re))) {
+        Fail(node, "a radius of 0 is not a curve; write INF for a straight end");
+    }
+    ElementType type = ElementType::Clothoid;
+    if (spiType == "clothoid") {
+        type = ElementType::Clothoid;
+    } else if (spiType == "cubicParabola") {
+        type = ElementType::CubicParabola;
+    } else if (spiType == "cosine") {
+        type = ElementType::HalfSine;
+    } else {
+        Fail(node, "spiral type '" + spiType + "' is not supported (supported: clothoid, cubicParabola, cosine)");
+    }
+    if (radiusStart == radiusEnd) {
+        // Equal radii at both ends: no transition, an arc (or a straight).
+        if (radiusStart == 0.0) {
+            return HorizontalElement::Line(station, length, start, end);
+        }
+        return HorizontalElement::Arc(station, length, start, end, radiusStart);
+    }
+    return HorizontalElement::Transition(type, station, length, start, end, radiusStart, radiusEnd);
+}
+
+VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign)
+{
+    struct Raw {
+        pugi::xml_node node;
+        ProfilePoint point;
+        double length;
+    };
+    std::vector<Raw> raw;
+    for (pugi::xml_node c = profAlign.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element) {
+            continue;
+        }
+        std::string const kind = LocalName(c);
+        if (kind == "Feature") {
+            continue;
+        }
+        Raw r{c, ProfilePoint{}, 0.0};
+        std::vector<double> const v = Numbers(c, 2);
+        r.point.station = v[0];
+        r.point.height = v[1];
+        if (kind == "PVI") {
+        } else if (kind == "CircCurve") {
+            r.point.curve = VerticalCurveType::Circle;
+            if (Has(c, "radius")) {
+                r.point.radius = std::fabs(Attribute(c, "radius"));
+            } else {
+                r.length = Attribute(c, "length");
+            }
+        } else if (kind == "ParaCurve") {
+            r.point.curve = VerticalCurveType::Parabola;
+            r.length = Attribute(c, "length");
+        } else {
+            Fail(c, "profile element '" + kind + "' is not supported (supported: PVI, CircCurve, ParaCurve)");
+        }
+        raw.push_back(r);
+    }
+    if (raw.size() < 2) {
+        Fail(profAlign, "a profile needs at least two PVIs");
+    }
+    for (std::size_t i = 0; i < raw.size(); ++i) {
+        Raw& r = raw[i];
+        if (i > 0 && !(r.point.station > raw[i - 1].point.station)) {
+            Fail(r.node, "stations must increase along the profile");
+        }
+        if (r.point.curve == VerticalCurveType::None || r.point.radius > 0.0) {
+            continue;
+        }
+        if (i == 0 || i + 1 == raw.size()) {
+            Fail(r.node, "the first and the last point of a profile cannot carry a vertical curve");
+        }
+        ProfilePoint const& a = raw[i - 1].point;
+        ProfilePoint const& b = raw[i + 1].point;
+        double const g1 = (r.point.height - a.height) / (r.point.station - a.station);
+        double const g2 = (b.height - r.point.height) / (b.station - r.point.station);
+        if (r.point.curve == VerticalCurveType::Parabola) {
+            zelmath::CALength radius;
+            if (!zelmath::CMathLongProfCurve::calcRadiusFromLengthOfParabol(
+                    CACoordinate(a.station, a.height), CACoordinate(r.point.station, r.point.height),
+                    CACoordinate(b.station, b.height), zelmath::CALength(r.length), radius)) {
+                Fail(r.node, "cannot turn the parabola's length into a radius");
+            }
+            r.point.radius = std::fabs(radius.Double());
+        } else {
+            // Arc length over the angle between the grade lines.
+            double const angle = std::fabs(std::atan(g2) - std::atan(g1));
+            r.point.radius = angle > 0.0 ? r.length / angle : 0.0;
+        }
+        if (!std::isfinite(r.point.radius) || !(r.point.radius > 0.0)) {
+            Fail(r.node, "the vertical curve has no finite radius (equal grades on both sides?)");
+        }
+    }
+    std::vector<ProfilePoint> points;
+    for (Raw const& r : raw) {
+        points.push_back(r.point);
+    }
+    try {
+        return VerticalProfile(points);
+    } catch (std::invalid_argument const& e) {
+        Fail(profAlign, e.what());
+    }
+}
+
+ImportedAlignment Reader::Read(std::string const& name)
+{
+    pugi::xml_document doc;
+    pugi::xml_parse_result const parsed =
+        doc.load_buffer(m_text.data(), m_text.size(), pugi::parse_default, pugi::encoding_utf8);
+    if (!parsed) {
+        throw LandXmlError(m_source + ":" + std::to_string(LineOf(parsed.offset)) +
+                           ": not well-formed XML: " + parsed.description());
+    }
+    pugi::xml_node root = doc.document_element();
+    if (!root || std::strcmp(LocalName(root), "LandXML") != 0) {
+        throw LandXmlError(m_source + ":" + std::to_string(LineOf(root)) + ": the root element is not <LandXML>");
+    }
+    pugi::xml_node alignment;
+    for (pugi::xml_node group = root.first_child(); group && !alignment; group = group.next_sibling()) {
+        if (group.type() != pugi::node_element || std::strcmp(LocalName(group), "Alignments") != 0) {
+            continue;
+        }
+        for (pugi::xml_node a = group.first_child(); a; a = a.next_sibling()) {
+            if (a.type() == pugi::node_element && std::strcmp(LocalName(a), "Alignment") == 0 &&
+                (name.empty() || name == a.attribute("name").value())) {
+                alignment = a;
+                break;
+            }
+        }
+    }
+    if (!alignment) {
+        throw LandXmlError(m_source + ":" + std::to_string(LineOf(root)) + ": <LandXML>: no <Alignment>" +
+                           (name.empty() ? std::string() : " named '" + name + "'") + " in <Alignments>");
+    }
+    ImportedAlignment result;
+    result.name = alignment.attribute("name").value();
+    pugi::xml_node geometry = Child(alignment, "CoordGeom");
+    if (!geometry) {
+        Fail(alignment, "<CoordGeom> is missing");
+    }
+    double station = Has(alignment, "staStart") ? Attribute(alignment, "staStart") : 0.0;
+    std::vector<HorizontalElement> elements;
+    std::vector<pugi::xml_node> nodes;
+    for (pugi::xml_node c = geometry.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element) {
+            continue;
+        }
+        std::string const kind = LocalName(c);
+        if (kind == "Feature") {
+            continue;
+        }
+        double const start = Has(c, "staStart") ? Attribute(c, "staStart") : station;
+        HorizontalElement element;
+        if (kind == "Line") {
+            element = ReadLine(c, start);
+        } else if (kind == "Curve") {
+            element = ReadCurve(c, start);
+        } else if (kind == "Spiral") {
+            element = ReadSpiral(c, start);
+        } else {
+            Fail(c, "element '" + kind + "' is not supported (supported: Line, Curve, Spiral)");
+        }
+        try {
+            HorizontalAlignment single(std::vector<HorizontalElement>{element});
+        } catch (std::invalid_argument const& e) {
+            std::string message = e.what();
+            std::string const prefix = "element 0 ";
+            if (message.compare(0, prefix.size(), prefix) == 0) {
+                message.erase(0, prefix.size());
+            }
+            Fail(c, message);
+        }
+        if (!elements.empty()) {
+            double const previousEnd = elements.back().EndStation();
+            if (start < previousEnd - JointWarningTolerance) {
+                std::ostringstream msg;
+                msg << "starts at station " << start << ", before the end of the previous element (" << previousEnd
+                    << ")";
+                Fail(c, msg.str());
+            }
+            if (std::fabs(start - previousEnd) > JointWarningTolerance) {
+                std::ostringstream msg;
+                msg << "station gap of " << (start - previousEnd) << " m after the previous element";
+                Warn(c, msg.str());
+            }
+        }
+        elements.push_back(element);
+        nodes.push_back(c);
+        station = element.EndStation();
+    }
+    if (elements.empty()) {
+        Fail(geometry, "the alignment has no elements");
+    }
+    try {
+        result.horizontal = HorizontalAlignment(elements);
+    } catch (std::invalid_argument const& e) {
+        Fail(geometry, e.what());
+    }
+    for (JointGap const& gap : result.horizontal.CheckJoints(JointWarningTolerance)) {
+        std::ostringstream msg;
+        msg.precision(1);
+        msg << std::fixed << "computed end at station " << gap.station << " misses the next element's start by "
+            << gap.gap * 1000.0 << " mm";
+        Warn(nodes[static_cast<std::size_t>(gap.element)], msg.str());
+    }
+    for (pugi::xml_node node : nodes) {
+        result.lines.push_back(LineOf(node));
+    }
+    if (pugi::xml_node profile = Child(alignment, "Profile")) {
+        if (pugi::xml_node profAlign = Child(profile, "ProfAlign")) {
+            result.profile = ReadProfile(profAlign);
+        }
+    }
+    result.warnings = m_warnings;
+    return result;
+}
+
+}  // namespace
+
+ImportedAlignment ParseLandXml(std::string const& text, std::string const& sourceName, std::string const& name)
+{
+    Reader reader(text, sourceName);
+    return reader.Read(name);
+}
+
+ImportedAlignment ReadLandXml(std::string const& path, std::string const& name)
+{
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        throw LandXmlError(path + ": cannot open the file");
+    }
+    std::string const text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    return ParseLandXml(text, path, name);
+}
+
+}  // namespace zelalign
