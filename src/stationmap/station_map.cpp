@@ -1,0 +1,386 @@
+#include <zelmath/station_map.h>
+
+#include <cmath>
+
+#include <zelmath/long_prof_curve.h>
+
+namespace zelmath {
+
+namespace {
+
+// An element shorter than this in plan adds nothing of its own.
+constexpr double ZeroLength = 1.1754943508222875e-38;  // 2^-126
+// A station on a vertical curve is found when its curve length matches the
+// remaining tunnel metres to within this (metres).
+constexpr double CurveTolerance = 1e-4;
+// Failed fixed-point steps allowed on a vertical curve.
+constexpr int MaxCurveSteps = 3000;
+
+}  // namespace
+
+bool CMathStngMap2D3D::get3DLengthForCurve(const CStngMapCurved3DDef& curve, CALength station1,
+                                           CALength station2, CALength& length)
+{
+    if (curve.IsParabola) {
+        return CMathLongProfCurve::calcParabolLengthBetween(curve.PI1, curve.PI2, curve.PI3,
+                                                            curve.Radius, station1, station2, length);
+    }
+    return CMathLongProfCurve::calcCircleLengthBetween(curve.PI1, curve.PI2, curve.PI3, curve.Radius,
+                                                       station1, station2, length);
+}
+
+bool CMathStngMap2D3D::get3DTMFrom2DStng(IStngMap2D3DElements* elements, double referenceStation,
+                                         double referenceTunnelMetre, bool sameDirection,
+                                         double station, double& tunnelMetre)
+{
+    if (elements == nullptr) {
+        return false;
+    }
+    int const count = elements->GetElementCount();
+    if (count < 1) {
+        return false;
+    }
+
+    // The interval between the two stations, walked from its lower end.
+    double lo = 0.0, hi = 0.0, sign = 0.0;
+    if (station <= referenceStation) {
+        lo = station;
+        hi = referenceStation;
+        sign = -1.0;
+    } else {
+        lo = referenceStation;
+        hi = station;
+        sign = 1.0;
+    }
+    double total = 0.0;
+    bool finished = false;
+
+    // Before the first element the stretch counts one to one.
+    CStngMap2D3DElement element;
+    if (!elements->GetElement(0, &element)) {
+        return false;
+    }
+    double const firstStart = element.StngStart.Double();
+    if (lo < firstStart) {
+        if (hi < firstStart) {
+            total += hi - lo;
+            finished = true;
+        } else {
+            total += std::fabs(firstStart - lo);
+            lo = firstStart;
+        }
+    }
+
+    // Likewise beyond the last element; this is looked at in any case.
+    if (!elements->GetElement(count - 1, &element)) {
+        return false;
+    }
+    double const lastEnd = element.StngEnd.Double();
+    if (hi > lastEnd) {
+        if (lo > lastEnd) {
+            total += hi - lo;
+            finished = true;
+        } else {
+            total += std::fabs(hi - lastEnd);
+            hi = lastEnd;
+        }
+    }
+
+    if (!finished) {
+        // Every element is visited; those outside [lo, hi] add nothing.
+        for (int i = 0; i < elements->GetElementCount(); ++i) {
+            if (!elements->GetElement(i, &element)) {
+                return false;
+            }
+            double const start = element.StngStart.Double();
+            double const end = element.StngEnd.Double();
+            double const length3D = element.Length3D.Double();
+            double const len2D = std::fabs(end - start);
+
+            // The part of the element from a to b, in tunnel metres.
+            bool partOk = true;
+            auto part = [&](double a, double b) -> double {
+                if (!(len2D > ZeroLength)) {
+                    return 0.0;
+                }
+                if (element.Curved) {
+                    CStngMapCurved3DDef curve;
+                    CALength curveLength;
+                    if (!elements->GetCurvedDef(i, &curve) ||
+                        !get3DLengthForCurve(curve, a, b, curveLength)) {
+                        partOk = false;
+                        return 0.0;
+                    }
+                    return curveLength.Double();
+                }
+                return std::fabs(b - a) / len2D * length3D;
+            };
+
+            if (lo < start) {
+                if (hi > end) {
+                    total += length3D;  // wholly inside the interval
+                } else if (hi >= start) {
+                    total += part(start, hi);
+                }
+            } else if (start <= lo && lo <= end) {
+                if (hi > end) {
+                    total += part(lo, end);
+                } else {
+                    total += part(lo, hi);
+                }
+            }
+            if (!partOk) {
+                return false;
+            }
+        }
+    }
+
+    if (sameDirection) {
+        tunnelMetre = referenceTunnelMetre + sign * total;
+    } else {
+        tunnelMetre = referenceTunnelMetre - sign * total;
+    }
+    return true;
+}
+
+bool CMathStngMap2D3D::get2DStngFrom3DTM(IStngMap2D3DElements* elements, double referenceStation,
+                                         double referenceTunnelMetre, bool sameDirection,
+                                         double tunnelMetre, double& station)
+{
+    // The map is a precondition here: unlike the forward conversion this one
+    // does not test it for null.
+    int const count = elements->GetElementCount();
+    if (count < 1) {
+        return false;
+    }
+    double rest = std::fabs(referenceTunnelMetre - tunnelMetre);
+    if (rest == 0.0) {
+        station = referenceStation;
+        return true;
+    }
+
+    int dir = (referenceTunnelMetre <= tunnelMetre) ? 1 : -1;
+    if (!sameDirection) {
+        dir = -dir;
+    }
+
+    int index = -1;
+    bool clamped = false;
+    CStngMap2D3DElement first;
+    CStngMap2D3DElement last;
+    if (!elements->GetElement(0, &first) || !elements->GetElement(count - 1, &last)) {
+        return false;
+    }
+    double const firstStart = first.StngStart.Double();
+    double const lastEnd = last.StngEnd.Double();
+
+    if (firstStart > referenceStation) {
+        // Reference before the map: one to one up to the first element.
+        if (dir < 0) {
+            station = referenceStation - rest;
+            return true;
+        }
+        if (referenceStation + rest <= firstStart) {
+            station = referenceStation + rest;
+            return true;
+        }
+        rest -= (firstStart - referenceStation);
+        index = 0;
+        clamped = true;
+    } else if (lastEnd < referenceStation) {
+        // Reference beyond the map: one to one back to the last element.
+        if (dir > 0) {
+            station = referenceStation + rest;
+            return true;
+        }
+        if (referenceStation - rest >= lastEnd) {
+            station = referenceStation - rest;
+            return true;
+        }
+        rest -= (referenceStation - lastEnd);
+        index = count - 1;
+        clamped = true;
+    }
+
+    CStngMap2D3DElement element;
+    if (index == -1) {
+        for (int i = 0; i < elements->GetElementCount(); ++i) {
+            if (!elements->GetElement(i, &element)) {
+                return false;
+            }
+            if (element.StngStart.Double() <= referenceStation &&
+                referenceStation <= element.StngEnd.Double()) {
+                index = i;
+                break;
+            }
+        }
+        if (index == -1) {
+            return false;  // the reference lies in a gap of the map
+        }
+    }
+
+    CStngMapCurved3DDef curve;
+    CALength curveLength;
+
+    if (dir > 0) {
+        for (int i = index;; ++i) {
+            int const currentCount = elements->GetElementCount();
+            if (i >= currentCount) {
+                // Ran off the end of the map: one to one beyond it.
+                if (rest > 0.0) {
+                    if (!elements->GetElement(currentCount - 1, &element)) {
+                        return false;
+                    }
+                    station = element.StngEnd.Double() + rest;
+                    return true;
+                }
+                return false;
+            }
+            if (!elements->GetElement(i, &element)) {
+                return false;
+            }
+            if (!(rest > 0.0)) {
+                continue;
+            }
+            double const start = element.StngStart.Double();
+            double const end = element.StngEnd.Double();
+            double const length3D = element.Length3D.Double();
+            double const len2D = end - start;
+            double available = length3D;
+            double base = start;
+
+            if (i == index && !clamped) {
+                // Only the part after the reference counts.
+                available = 0.0;
+                if (len2D > ZeroLength) {
+                    if (element.Curved) {
+                        if (!elements->GetCurvedDef(i, &curve) ||
+                            !get3DLengthForCurve(curve, referenceStation, end, curveLength)) {
+                            return false;
+                        }
+                        available = curveLength.Double();
+                    } else {
+                        available = std::fabs(end - referenceStation) / len2D * length3D;
+                    }
+                }
+                base = referenceStation;
+            }
+
+            if (rest <= available) {
+                double d = 0.0;
+                if (!(length3D > ZeroLength)) {
+                    d = 0.0;
+                } else if (!element.Curved) {
+                    d = rest / length3D * len2D;
+                } else {
+                    if (!elements->GetCurvedDef(i, &curve)) {
+                        return false;
+                    }
+                    // Fixed-point steps: the 2D station moves by the 3D error.
+                    double s = base + rest;
+                    if (s > end) {
+                        s = end;
+                    }
+                    int failed = 0;
+                    for (;;) {
+                        if (!get3DLengthForCurve(curve, base, s, curveLength)) {
+                            return false;
+                        }
+                        double const l = curveLength.Double();
+                        if (std::fabs(l - rest) < CurveTolerance) {
+                            d = std::fabs(s - base);
+                            break;
+                        }
+                        s = s - (l - rest);
+                        if (++failed > MaxCurveSteps) {
+                            return false;
+                        }
+                    }
+                }
+                station = base + d;
+                return true;
+            }
+            rest -= available;
+        }
+    }
+
+    for (int i = index;; --i) {
+        if (i < 0) {
+            // Ran off the start of the map: one to one before it.
+            if (rest > 0.0) {
+                if (!elements->GetElement(0, &element)) {
+                    return false;
+                }
+                station = element.StngStart.Double() - rest;
+                return true;
+            }
+            return false;
+        }
+        if (!elements->GetElement(i, &element)) {
+            return false;
+        }
+        if (!(rest > 0.0)) {
+            continue;
+        }
+        double const start = element.StngStart.Double();
+        double const end = element.StngEnd.Double();
+        double const length3D = element.Length3D.Double();
+        double const len2D = end - start;
+        double available = length3D;
+        double base = end;
+
+        if (i == index && !clamped) {
+            // Only the part before the reference counts.
+            available = 0.0;
+            if (len2D > ZeroLength) {
+                if (element.Curved) {
+                    if (!elements->GetCurvedDef(i, &curve) ||
+                        !get3DLengthForCurve(curve, start, referenceStation, curveLength)) {
+                        return false;
+                    }
+                    available = curveLength.Double();
+                } else {
+                    available = std::fabs(referenceStation - start) / len2D * length3D;
+                }
+            }
+            base = referenceStation;
+        }
+
+        if (rest <= available) {
+            double d = 0.0;
+            if (!(length3D > ZeroLength)) {
+                d = 0.0;
+            } else if (!element.Curved) {
+                d = rest / length3D * len2D;
+            } else {
+                if (!elements->GetCurvedDef(i, &curve)) {
+                    return false;
+                }
+                double s = base - rest;
+                if (s < start) {
+                    s = start;
+                }
+                int failed = 0;
+                for (;;) {
+                    if (!get3DLengthForCurve(curve, s, base, curveLength)) {
+                        return false;
+                    }
+                    double const l = curveLength.Double();
+                    if (std::fabs(l - rest) < CurveTolerance) {
+                        d = std::fabs(base - s);
+                        break;
+                    }
+                    s = s + (l - rest);
+                    if (++failed > MaxCurveSteps) {
+                        return false;
+                    }
+                }
+            }
+            station = base - d;
+            return true;
+        }
+        rest -= available;
+    }
+}
+
+}  // namespace zelmath

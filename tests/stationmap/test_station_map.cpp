@@ -1,0 +1,747 @@
+#include <zelmath/zelmath.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace zelmath {
+
+struct CMathStngMap2D3DTestAccess {
+    static bool LengthForCurve(const CStngMapCurved3DDef& curve, CALength a, CALength b, CALength& l)
+    {
+        return CMathStngMap2D3D::get3DLengthForCurve(curve, a, b, l);
+    }
+};
+
+}  // namespace zelmath
+
+using namespace zelmath;
+using Access = zelmath::CMathStngMap2D3DTestAccess;
+
+namespace {
+
+constexpr double Sentinel = -9999.5;
+
+// A map held in vectors that records every call made to it and can be told to
+// refuse one element or one curve.
+class CountingMap : public IStngMap2D3DElements {
+public:
+    std::vector<CStngMap2D3DElement> elements;
+    std::vector<CStngMapCurved3DDef> curves;  // same index as elements
+    int countCalls = 0;
+    std::vector<int> elementCalls;
+    std::vector<int> curveCalls;
+    int refuseElement = -1;
+    int refuseCurve = -1;
+
+    int GetElementCount() override
+    {
+        ++countCalls;
+        return static_cast<int>(elements.size());
+    }
+    bool GetElement(int index, CStngMap2D3DElement* element) override
+    {
+        elementCalls.push_back(index);
+        if (index == refuseElement || index < 0 || index >= static_cast<int>(elements.size())) {
+            return false;
+        }
+        *element = elements[static_cast<size_t>(index)];
+        return true;
+    }
+    bool GetCurvedDef(int index, CStngMapCurved3DDef* curve) override
+    {
+        curveCalls.push_back(index);
+        if (index == refuseCurve || index < 0 || index >= static_cast<int>(curves.size())) {
+            return false;
+        }
+        *curve = curves[static_cast<size_t>(index)];
+        return true;
+    }
+    void ResetCounts()
+    {
+        countCalls = 0;
+        elementCalls.clear();
+        curveCalls.clear();
+    }
+    void AddStraight(double start, double end, double length3D)
+    {
+        CStngMap2D3DElement e;
+        e.StngStart = start;
+        e.StngEnd = end;
+        e.Length3D = length3D;
+        elements.push_back(e);
+        curves.emplace_back();
+    }
+    void AddCurve(double start, double end, double length3D, CStngMapCurved3DDef const& curve)
+    {
+        CStngMap2D3DElement e;
+        e.StngStart = start;
+        e.StngEnd = end;
+        e.Length3D = length3D;
+        e.Curved = true;
+        elements.push_back(e);
+        curves.push_back(curve);
+    }
+};
+
+bool ToTM(IStngMap2D3DElements* map, double refStation, double refTM, bool same, double station,
+          double& tm)
+{
+    return CMathStngMap2D3D::get3DTMFrom2DStng(map, refStation, refTM, same, station, tm);
+}
+
+bool ToStation(IStngMap2D3DElements* map, double refStation, double refTM, bool same, double tm,
+               double& station)
+{
+    return CMathStngMap2D3D::get2DStngFrom3DTM(map, refStation, refTM, same, tm, station);
+}
+
+// Flat map of three straights, 0..100, 100..200, 200..300, one to one.
+CountingMap FlatMap()
+{
+    CountingMap m;
+    m.AddStraight(0.0, 100.0, 100.0);
+    m.AddStraight(100.0, 200.0, 100.0);
+    m.AddStraight(200.0, 300.0, 100.0);
+    return m;
+}
+
+// Closed-form arc length of a parabola with vertex radius r between the
+// gradients ga and gb: r/2 [g sqrt(1 + g^2) + asinh g].
+double ParabolaArc(double r, double ga, double gb)
+{
+    auto prim = [](double g) { return 0.5 * (g * std::sqrt(1.0 + g * g) + std::asinh(g)); };
+    return r * std::fabs(prim(gb) - prim(ga));
+}
+
+// A profile along survey stations near 2 600 000: +2 % up to PI 2 600 300 (height
+// 406), -1 % to PI 2 600 600 (403), +2 % to 2 601 000 (411). A crest parabola
+// (R = 4000, extent 120 m) at the first PI and a sag circle (R = 5000) at the
+// second. The tunnel metre from the map start is known in closed form.
+struct SurveyProfile {
+    double x0 = 2600000.0;
+    double xA = x0 + 300.0, yA = 406.0;
+    double xB = x0 + 600.0, yB = 403.0;
+    double xEnd = x0 + 1000.0;
+    double rP = 4000.0, rC = 5000.0;
+    double pStart = xA - 60.0, pEnd = xA + 60.0;
+    double a1 = std::atan(-0.01), a2 = std::atan(0.02);
+    double tC = rC * std::tan((a2 - a1) / 2.0);
+    double cStart = xB - tC * std::cos(a1), cEnd = xB + tC * std::cos(a2);
+    // Sag: centre above the start tangent point, across the grade.
+    double cStartY = yB - tC * std::sin(a1);
+    double mx = cStart - rC * std::sin(a1);
+    double my = cStartY + rC * std::cos(a1);
+
+    // The map's element ends are the curve's own tangent stations (they agree
+    // with the textbook ones above to rounding), so that stations at element
+    // ends lie on the curve.
+    SurveyProfile()
+    {
+        CACoordinate start, end, centre;
+        CALength length;
+        bool const ok = CMathLongProfCurve::calcPIPointsAndLengthOfCircle(
+            CACoordinate(xA, yA), CACoordinate(xB, yB), CACoordinate(xEnd, 411.0), rC, start, end,
+            length, centre);
+        EXPECT_TRUE(ok);
+        EXPECT_NEAR(start.East().Double(), cStart, 1e-8);
+        EXPECT_NEAR(end.East().Double(), cEnd, 1e-8);
+        cStart = start.East().Double();
+        cEnd = end.East().Double();
+    }
+
+    double straightFactor(double g) const { return std::sqrt(1.0 + g * g); }
+
+    // Tunnel metres from x0 to x (x inside the map).
+    double TM(double x) const
+    {
+        double tm = 0.0;
+        double const s1 = std::min(x, pStart);
+        tm += (s1 - x0) * straightFactor(0.02);
+        if (x <= pStart) {
+            return tm;
+        }
+        double const s2 = std::min(x, pEnd);
+        tm += ParabolaArc(rP, 0.02, 0.02 - (s2 - pStart) / rP);
+        if (x <= pEnd) {
+            return tm;
+        }
+        double const s3 = std::min(x, cStart);
+        tm += (s3 - pEnd) * straightFactor(0.01);
+        if (x <= cStart) {
+            return tm;
+        }
+        double const s4 = std::min(x, cEnd);
+        tm += rC * (std::asin((s4 - mx) / rC) - std::asin((cStart - mx) / rC));
+        if (x <= cEnd) {
+            return tm;
+        }
+        tm += (x - cEnd) * straightFactor(0.02);
+        return tm;
+    }
+
+    CountingMap Map() const
+    {
+        CountingMap m;
+        m.AddStraight(x0, pStart, TM(pStart) - TM(x0));
+        CStngMapCurved3DDef parabola;
+        parabola.PI1 = CACoordinate(x0, 400.0);
+        parabola.PI2 = CACoordinate(xA, yA);
+        parabola.PI3 = CACoordinate(xB, yB);
+        parabola.Radius = rP;
+        parabola.IsParabola = true;
+        m.AddCurve(pStart, pEnd, TM(pEnd) - TM(pStart), parabola);
+        m.AddStraight(pEnd, cStart, TM(cStart) - TM(pEnd));
+        CStngMapCurved3DDef circle;
+        circle.PI1 = CACoordinate(xA, yA);
+        circle.PI2 = CACoordinate(xB, yB);
+        circle.PI3 = CACoordinate(xEnd, 411.0);
+        circle.Radius = rC;
+        m.AddCurve(cStart, cEnd, TM(cEnd) - TM(cStart), circle);
+        m.AddStraight(cEnd, xEnd, TM(xEnd) - TM(cEnd));
+        return m;
+    }
+};
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Records and curve lengths
+
+TEST(StationMapRecords, DefaultsAreStraightAndCircle)
+{
+    CStngMap2D3DElement e;
+    EXPECT_FALSE(e.Curved);
+    EXPECT_EQ(e.StngStart.Double(), 0.0);
+    EXPECT_EQ(e.StngEnd.Double(), 0.0);
+    EXPECT_EQ(e.Length3D.Double(), 0.0);
+    CStngMapCurved3DDef c;
+    EXPECT_FALSE(c.IsParabola);
+    EXPECT_EQ(c.Radius.Double(), 0.0);
+    EXPECT_EQ(c.PI2.East().Double(), 0.0);
+
+    e.Curved = true;
+    e.Length3D = 12.5;
+    CStngMap2D3DElement copy(e);
+    EXPECT_TRUE(copy.Curved);
+    EXPECT_EQ(copy.Length3D.Double(), 12.5);
+    c.IsParabola = true;
+    c.PI3 = CACoordinate(3.0, 4.0);
+    CStngMapCurved3DDef other;
+    other = c;
+    EXPECT_TRUE(other.IsParabola);
+    EXPECT_EQ(other.PI3.North().Double(), 4.0);
+}
+
+TEST(StationMapCurveLength, ParabolaAndCircle)
+{
+    SurveyProfile const p;
+    CountingMap const m = p.Map();
+    CALength l(Sentinel);
+    ASSERT_TRUE(Access::LengthForCurve(m.curves[1], p.pStart + 10.0, p.pEnd - 20.0, l));
+    EXPECT_NEAR(l.Double(), p.TM(p.pEnd - 20.0) - p.TM(p.pStart + 10.0), 1e-7);
+    ASSERT_TRUE(Access::LengthForCurve(m.curves[3], p.cStart + 5.0, p.cEnd, l));
+    EXPECT_NEAR(l.Double(), p.TM(p.cEnd) - p.TM(p.cStart + 5.0), 1e-7);
+}
+
+TEST(StationMapCurveLength, ReversedStationsFail)
+{
+    SurveyProfile const p;
+    CountingMap const m = p.Map();
+    CALength l(Sentinel);
+    EXPECT_FALSE(Access::LengthForCurve(m.curves[1], p.xA + 10.0, p.xA - 10.0, l));
+    EXPECT_FALSE(Access::LengthForCurve(m.curves[3], p.xB + 10.0, p.xB - 10.0, l));
+    EXPECT_EQ(l.Double(), Sentinel);
+}
+
+// ---------------------------------------------------------------------------
+// 2D station to tunnel metre
+
+TEST(StationToTunnelMetre, NullOrEmptyMapFails)
+{
+    double tm = Sentinel;
+    EXPECT_FALSE(ToTM(nullptr, 0.0, 0.0, true, 10.0, tm));
+    CountingMap empty;
+    EXPECT_FALSE(ToTM(&empty, 0.0, 0.0, true, 10.0, tm));
+    EXPECT_EQ(empty.countCalls, 1);
+    EXPECT_TRUE(empty.elementCalls.empty());
+    EXPECT_EQ(tm, Sentinel);
+}
+
+TEST(StationToTunnelMetre, StationAtReferenceGivesReferenceTunnelMetre)
+{
+    CountingMap m = FlatMap();
+    for (bool same : {true, false}) {
+        double tm = Sentinel;
+        ASSERT_TRUE(ToTM(&m, 150.0, 1234.5, same, 150.0, tm));
+        EXPECT_EQ(tm, 1234.5);
+    }
+    SurveyProfile const p;
+    CountingMap s = p.Map();
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&s, p.xA, 77.0, true, p.xA, tm));  // on the parabola
+    EXPECT_EQ(tm, 77.0);
+}
+
+TEST(StationToTunnelMetre, BothStationsBeforeTheMapCountOneToOne)
+{
+    CountingMap m;
+    m.AddStraight(1000.0, 1100.0, 100.5);
+    m.AddStraight(1100.0, 1200.0, 101.0);
+    m.AddStraight(1200.0, 1300.0, 102.0);
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 900.0, 5000.0, true, 950.25, tm));
+    EXPECT_EQ(tm, 5000.0 + 50.25);
+    // Only the first and the last element are read; no walk.
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2}));
+    EXPECT_EQ(m.countCalls, 1);
+
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, 950.25, 5000.0, true, 900.0, tm));
+    EXPECT_EQ(tm, 5000.0 - 50.25);
+}
+
+TEST(StationToTunnelMetre, BothStationsBeyondTheMapCountOneToOne)
+{
+    CountingMap m = FlatMap();
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 400.0, 10.0, true, 330.0, tm));
+    EXPECT_EQ(tm, 10.0 - 70.0);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2}));
+}
+
+TEST(StationToTunnelMetre, StraightElementScalesLinearly)
+{
+    CountingMap m;
+    m.AddStraight(0.0, 100.0, 100.5);
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 20.0, 0.0, true, 30.0, tm));
+    EXPECT_NEAR(tm, 10.05, 1e-12);
+    ASSERT_TRUE(ToTM(&m, 30.0, 0.0, true, 20.0, tm));
+    EXPECT_NEAR(tm, -10.05, 1e-12);
+}
+
+TEST(StationToTunnelMetre, OppositeDirectionSubtracts)
+{
+    CountingMap m = FlatMap();
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 120.0, 500.0, false, 130.0, tm));
+    EXPECT_DOUBLE_EQ(tm, 490.0);
+    ASSERT_TRUE(ToTM(&m, 130.0, 500.0, false, 120.0, tm));
+    EXPECT_DOUBLE_EQ(tm, 510.0);
+}
+
+TEST(StationToTunnelMetre, StretchesBeforeAndBeyondTheMapAddToElements)
+{
+    CountingMap m;
+    m.AddStraight(100.0, 200.0, 101.0);
+    m.AddStraight(200.0, 300.0, 102.0);
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 50.0, 0.0, true, 350.0, tm));
+    EXPECT_NEAR(tm, 50.0 + 101.0 + 102.0 + 50.0, 1e-12);
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, 150.0, 0.0, true, 250.0, tm));
+    EXPECT_NEAR(tm, 50.5 + 51.0, 1e-12);
+    // The walk visits every element after reading the first and the last, and
+    // asks the count again before each step.
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 1, 0, 1}));
+    EXPECT_EQ(m.countCalls, 1 + 3);
+}
+
+TEST(StationToTunnelMetre, ZeroLengthElementCountsOnlyWhenStrictlyInside)
+{
+    CountingMap m;
+    m.AddStraight(0.0, 150.0, 150.0);
+    m.AddStraight(150.0, 150.0, 5.0);  // no extent in plan, 5 m in space
+    m.AddStraight(150.0, 300.0, 150.0);
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 100.0, 0.0, true, 200.0, tm));
+    EXPECT_NEAR(tm, 105.0, 1e-12);
+    // Starting exactly at it, it is not inside.
+    ASSERT_TRUE(ToTM(&m, 150.0, 0.0, true, 200.0, tm));
+    EXPECT_NEAR(tm, 50.0, 1e-12);
+    // Ending exactly at it neither.
+    ASSERT_TRUE(ToTM(&m, 100.0, 0.0, true, 150.0, tm));
+    EXPECT_NEAR(tm, 50.0, 1e-12);
+}
+
+TEST(StationToTunnelMetre, TiesAtElementEndsTouchTheNeighbouringCurve)
+{
+    // Curve element 100..200 (circle through sag PIs) between straights.
+    CStngMapCurved3DDef circle;
+    circle.PI1 = CACoordinate(0.0, 10.0);
+    circle.PI2 = CACoordinate(150.0, 8.5);
+    circle.PI3 = CACoordinate(300.0, 10.0);
+    circle.Radius = 5000.0;  // tangent length about 50 m: the curve spans about 100 .. 200
+    CountingMap m;
+    m.AddStraight(0.0, 100.0, 100.0);
+    // Element ends at the curve's own tangent stations, so that a station at
+    // an element end lies on the curve.
+    double const a = std::atan(0.01);
+    CACoordinate start, end, centre;
+    CALength length;
+    ASSERT_TRUE(CMathLongProfCurve::calcPIPointsAndLengthOfCircle(circle.PI1, circle.PI2, circle.PI3,
+                                                                  circle.Radius, start, end, length,
+                                                                  centre));
+    double const cs = start.East().Double(), ce = end.East().Double();
+    // Textbook: T = R tan(delta / 2) with delta = 2 atan(0.01).
+    EXPECT_NEAR(cs, 150.0 - 5000.0 * std::tan(a) * std::cos(a), 1e-8);
+    m.elements[0].StngEnd = cs;
+    m.elements[0].Length3D = cs;
+    m.AddCurve(cs, ce, 5000.0 * 2.0 * a, circle);
+    m.AddStraight(ce, 300.0, 300.0 - ce);
+
+    // Interval ending exactly at the curve's start: the curve is asked for a
+    // zero stretch.
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 10.0, 0.0, true, cs, tm));
+    EXPECT_NEAR(tm, cs - 10.0, 1e-12);
+    EXPECT_EQ(m.curveCalls, (std::vector<int>{1}));
+
+    // Interval starting exactly at the curve's end: likewise.
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, ce, 0.0, true, 290.0, tm));
+    EXPECT_NEAR(tm, 290.0 - ce, 1e-9);
+    EXPECT_EQ(m.curveCalls, (std::vector<int>{1}));
+
+    // A millimetre away the curve is not touched.
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, ce + 0.001, 0.0, true, 290.0, tm));
+    EXPECT_TRUE(m.curveCalls.empty());
+
+    // Across the whole curve its Length3D is taken without asking for the curve.
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, 50.0, 0.0, true, 250.0, tm));
+    EXPECT_NEAR(tm, (cs - 50.0) + 5000.0 * 2.0 * a + (250.0 - ce), 1e-9);
+    EXPECT_TRUE(m.curveCalls.empty());
+}
+
+TEST(StationToTunnelMetre, CurvedElementOverhangFails)
+{
+    // The element claims 90 .. 210 but its circle spans only about 100 .. 200.
+    CStngMapCurved3DDef circle;
+    circle.PI1 = CACoordinate(0.0, 10.0);
+    circle.PI2 = CACoordinate(150.0, 8.5);
+    circle.PI3 = CACoordinate(300.0, 10.0);
+    circle.Radius = 5000.0;
+    CountingMap m;
+    m.AddStraight(0.0, 90.0, 90.0);
+    m.AddCurve(90.0, 210.0, 120.0, circle);
+    m.AddStraight(210.0, 300.0, 90.0);
+    double tm = Sentinel;
+    EXPECT_FALSE(ToTM(&m, 50.0, 0.0, true, 95.0, tm));
+    EXPECT_FALSE(ToTM(&m, 150.0, 0.0, true, 205.0, tm));
+    EXPECT_EQ(tm, Sentinel);
+    EXPECT_TRUE(ToTM(&m, 120.0, 0.0, true, 180.0, tm));
+}
+
+TEST(StationToTunnelMetre, RefusedElementOrCurveFails)
+{
+    SurveyProfile const p;
+    for (int refuse = 0; refuse < 5; ++refuse) {
+        CountingMap m = p.Map();
+        m.refuseElement = refuse;
+        double tm = Sentinel;
+        EXPECT_FALSE(ToTM(&m, p.x0 + 10.0, 0.0, true, p.xEnd - 10.0, tm)) << refuse;
+        EXPECT_EQ(tm, Sentinel);
+    }
+    CountingMap m = p.Map();
+    m.refuseCurve = 1;
+    double tm = Sentinel;
+    EXPECT_FALSE(ToTM(&m, p.pStart + 1.0, 0.0, true, p.pEnd - 1.0, tm));
+    EXPECT_EQ(tm, Sentinel);
+    // A stretch that does not need the refused curve still converts.
+    EXPECT_TRUE(ToTM(&m, p.x0 + 1.0, 0.0, true, p.pStart - 1.0, tm));
+    EXPECT_EQ(m.curveCalls, (std::vector<int>{1}));
+}
+
+TEST(StationToTunnelMetre, SurveyProfileMatchesClosedForm)
+{
+    SurveyProfile const p;
+    CountingMap m = p.Map();
+    double const stations[] = {p.x0 + 17.0, p.pStart + 3.0, p.xA, p.pEnd - 0.5, p.cStart + 40.0,
+                               p.xB, p.cEnd - 1.0, p.xEnd - 2.0};
+    for (double a : stations) {
+        for (double b : stations) {
+            double tm = Sentinel;
+            ASSERT_TRUE(ToTM(&m, a, 100.0, true, b, tm)) << a << " " << b;
+            EXPECT_NEAR(tm, 100.0 + p.TM(b) - p.TM(a), 1e-7) << a << " " << b;
+        }
+    }
+    // Whole map: every element visited once in the walk.
+    m.ResetCounts();
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, p.x0 - 5.0, 0.0, true, p.xEnd + 5.0, tm));
+    EXPECT_NEAR(tm, 10.0 + p.TM(p.xEnd), 1e-7);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 4, 0, 1, 2, 3, 4}));
+    EXPECT_EQ(m.countCalls, 1 + 6);
+}
+
+// ---------------------------------------------------------------------------
+// Tunnel metre to 2D station
+
+TEST(TunnelMetreToStation, EmptyMapFails)
+{
+    CountingMap empty;
+    double st = Sentinel;
+    EXPECT_FALSE(ToStation(&empty, 0.0, 0.0, true, 10.0, st));
+    EXPECT_EQ(st, Sentinel);
+}
+
+TEST(TunnelMetreToStation, ReferenceTunnelMetreReturnsReferenceStationAtOnce)
+{
+    CountingMap m = FlatMap();
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, 123.25, 456.0, true, 456.0, st));
+    EXPECT_EQ(st, 123.25);
+    EXPECT_TRUE(m.elementCalls.empty());
+    EXPECT_TRUE(m.curveCalls.empty());
+    // Even a reference station in nowhere.
+    ASSERT_TRUE(ToStation(&m, -1e9, 456.0, false, 456.0, st));
+    EXPECT_EQ(st, -1e9);
+}
+
+TEST(TunnelMetreToStation, OppositeDirectionWalksTowardsLowerStations)
+{
+    CountingMap m = FlatMap();
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, 150.0, 1000.0, false, 1030.0, st));
+    EXPECT_DOUBLE_EQ(st, 120.0);
+    ASSERT_TRUE(ToStation(&m, 150.0, 1000.0, false, 970.0, st));
+    EXPECT_DOUBLE_EQ(st, 180.0);
+    ASSERT_TRUE(ToStation(&m, 150.0, 1000.0, true, 1030.0, st));
+    EXPECT_DOUBLE_EQ(st, 180.0);
+}
+
+TEST(TunnelMetreToStation, ReferenceBeforeMapTargetBehindIsOneToOne)
+{
+    CountingMap m;
+    m.AddStraight(1000.0, 1100.0, 100.5);
+    m.AddStraight(1100.0, 1200.0, 101.0);
+    m.AddStraight(1200.0, 1300.0, 102.0);
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, 900.0, 50.0, true, 20.0, st));
+    EXPECT_EQ(st, 870.0);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2}));
+    // Target before the map too, ahead of the reference.
+    m.ResetCounts();
+    ASSERT_TRUE(ToStation(&m, 900.0, 50.0, true, 150.0, st));
+    EXPECT_EQ(st, 1000.0);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2}));
+}
+
+TEST(TunnelMetreToStation, ReferenceBeforeMapTargetInside)
+{
+    CountingMap m;
+    m.AddStraight(1000.0, 1100.0, 100.5);
+    m.AddStraight(1100.0, 1200.0, 101.0);
+    double st = Sentinel;
+    // 100 m to the map, 100.5 over the first element, 50.5 into the second.
+    ASSERT_TRUE(ToStation(&m, 900.0, 0.0, true, 251.0, st));
+    EXPECT_NEAR(st, 1150.0, 1e-9);
+}
+
+TEST(TunnelMetreToStation, ReferenceBeyondMap)
+{
+    CountingMap m = FlatMap();
+    m.elements[2].Length3D = 110.0;
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, 350.0, 0.0, true, 20.0, st));
+    EXPECT_EQ(st, 370.0);
+    ASSERT_TRUE(ToStation(&m, 350.0, 0.0, true, -30.0, st));
+    EXPECT_EQ(st, 320.0);
+    // 50 back to the map, then 55 tunnel metres on the last element = 50 m.
+    ASSERT_TRUE(ToStation(&m, 350.0, 0.0, true, -105.0, st));
+    EXPECT_NEAR(st, 250.0, 1e-12);
+}
+
+TEST(TunnelMetreToStation, TargetAtElementEndResolvedInThatElement)
+{
+    CountingMap m;
+    m.AddStraight(0.0, 100.0, 100.5);
+    m.AddStraight(100.0, 200.0, 100.5);
+    m.AddStraight(200.0, 300.0, 100.5);
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, 0.0, 0.0, true, 100.5, st));
+    EXPECT_EQ(st, 100.0);
+    // first, last, search (element 0 holds the reference), walk on element 0:
+    // element 1 is never read.
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 0}));
+
+    // Backward: from 300 by 100.5 ends at the start of the last element.
+    m.ResetCounts();
+    ASSERT_TRUE(ToStation(&m, 300.0, 0.0, true, -100.5, st));
+    EXPECT_EQ(st, 200.0);
+    // first, last, search up to element 2 (which holds the reference), walk
+    // on element 2 only.
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 1, 2, 2}));
+}
+
+TEST(TunnelMetreToStation, WalkRunsOffTheMapOneToOne)
+{
+    CountingMap m = FlatMap();
+    m.elements[1].Length3D = 101.0;
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, 50.0, 0.0, true, 50.0 + 101.0 + 100.0 + 7.0, st));
+    EXPECT_NEAR(st, 307.0, 1e-12);
+    ASSERT_TRUE(ToStation(&m, 250.0, 0.0, true, -(50.0 + 101.0 + 100.0 + 7.0), st));
+    EXPECT_NEAR(st, -7.0, 1e-12);
+}
+
+TEST(TunnelMetreToStation, ReferenceInGapFails)
+{
+    CountingMap m;
+    m.AddStraight(0.0, 100.0, 100.0);
+    m.AddStraight(110.0, 200.0, 90.0);
+    double st = Sentinel;
+    EXPECT_FALSE(ToStation(&m, 105.0, 0.0, true, 20.0, st));
+    EXPECT_EQ(st, Sentinel);
+}
+
+TEST(TunnelMetreToStation, RefusedElementOrCurveFails)
+{
+    SurveyProfile const p;
+    for (int refuse = 0; refuse < 5; ++refuse) {
+        CountingMap m = p.Map();
+        m.refuseElement = refuse;
+        double st = Sentinel;
+        EXPECT_FALSE(ToStation(&m, p.x0 + 10.0, 0.0, true, 900.0, st)) << refuse;
+        EXPECT_EQ(st, Sentinel);
+    }
+    // A curve is fetched only where the target or the reference lies on it;
+    // curves passed over whole count with their Length3D.
+    struct Case {
+        int curve;
+        double target;
+    };
+    for (Case c : {Case{1, p.xA}, Case{3, p.xB}}) {
+        CountingMap m = p.Map();
+        m.refuseCurve = c.curve;
+        double st = Sentinel;
+        double const ref = p.x0 + 10.0;
+        EXPECT_FALSE(ToStation(&m, ref, 0.0, true, p.TM(c.target) - p.TM(ref), st)) << c.curve;
+        EXPECT_EQ(st, Sentinel);
+        double const refEnd = p.xEnd - 10.0;
+        EXPECT_FALSE(ToStation(&m, refEnd, 0.0, true, p.TM(c.target) - p.TM(refEnd), st)) << c.curve;
+        EXPECT_EQ(st, Sentinel);
+        // Passing over the refused curve is fine.
+        EXPECT_TRUE(ToStation(&m, ref, 0.0, true, p.TM(refEnd) - p.TM(ref), st));
+        EXPECT_NEAR(st, refEnd, 1e-9);
+        EXPECT_TRUE(m.curveCalls.size() == 2);
+    }
+    // The reference on a refused curve.
+    CountingMap m = p.Map();
+    m.refuseCurve = 1;
+    double st = Sentinel;
+    EXPECT_FALSE(ToStation(&m, p.xA, 0.0, true, 200.0, st));
+    EXPECT_FALSE(ToStation(&m, p.xA, 0.0, true, -200.0, st));
+    EXPECT_EQ(st, Sentinel);
+}
+
+TEST(TunnelMetreToStation, CurvedElementsAgainstClosedForm)
+{
+    SurveyProfile const p;
+    CountingMap m = p.Map();
+    double const ref = p.x0 + 25.0;
+    double const refTM = 3000.0;
+    for (double x : {p.pStart + 0.5, p.xA, p.xA + 37.0, p.cStart + 1.0, p.xB - 3.0, p.cEnd - 0.01}) {
+        double const tm = refTM + p.TM(x) - p.TM(ref);
+        double st = Sentinel;
+        ASSERT_TRUE(ToStation(&m, ref, refTM, true, tm, st)) << x;
+        EXPECT_NEAR(st, x, 1e-4) << x;
+        // Backward from the map end.
+        double const refEnd = p.xEnd - 5.0;
+        double const tmBack = refTM - (p.TM(refEnd) - p.TM(x));
+        ASSERT_TRUE(ToStation(&m, refEnd, refTM, true, tmBack, st)) << x;
+        EXPECT_NEAR(st, x, 1e-4) << x;
+    }
+}
+
+TEST(TunnelMetreToStation, ReferenceOnACurve)
+{
+    SurveyProfile const p;
+    CountingMap m = p.Map();
+    double const ref = p.xA - 10.0;  // on the parabola
+    for (double x : {p.xA + 20.0, p.pEnd, p.xB, p.x0 + 5.0, p.pStart + 2.0, ref + 0.3}) {
+        double const tm = p.TM(x) - p.TM(ref);
+        double st = Sentinel;
+        ASSERT_TRUE(ToStation(&m, ref, 0.0, true, tm, st)) << x;
+        EXPECT_NEAR(st, x, 1e-4) << x;
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Round trips
+
+TEST(StationMapRoundTrip, RandomStationsAndReferences)
+{
+    SurveyProfile const p;
+    CountingMap m = p.Map();
+    std::mt19937_64 rng(31337);
+    std::uniform_real_distribution<double> inside(p.x0, p.xEnd);
+    std::uniform_real_distribution<double> wide(p.x0 - 200.0, p.xEnd + 200.0);
+    std::uniform_real_distribution<double> tm0(-5000.0, 5000.0);
+    int converted = 0;
+    for (int n = 0; n < 600; ++n) {
+        double ref = 0.0;
+        switch (n % 3) {
+        case 0:
+            ref = p.x0 - 1.0 - 100.0 * (inside(rng) - p.x0) / 1000.0;  // before the map
+            break;
+        case 1:
+            ref = inside(rng);
+            break;
+        default:
+            ref = p.xEnd + 1.0 + 100.0 * (inside(rng) - p.x0) / 1000.0;  // after the map
+            break;
+        }
+        bool const same = (n % 2) == 0;
+        double const refTM = tm0(rng);
+        double const station = wide(rng);
+        double tm = 0.0;
+        ASSERT_TRUE(ToTM(&m, ref, refTM, same, station, tm)) << ref << " " << station;
+        double back = Sentinel;
+        ASSERT_TRUE(ToStation(&m, ref, refTM, same, tm, back)) << ref << " " << station;
+        EXPECT_NEAR(back, station, 1e-4) << ref << " " << station << " " << same;
+        ++converted;
+    }
+    EXPECT_EQ(converted, 600);
+}
+
+TEST(StationMapRoundTrip, StraightMapsWithinRounding)
+{
+    CountingMap m;
+    m.AddStraight(1200000.0, 1200100.0, 100.02);
+    m.AddStraight(1200100.0, 1200250.0, 150.3);
+    m.AddStraight(1200250.0, 1200400.0, 150.0);
+    std::mt19937_64 rng(8);
+    std::uniform_real_distribution<double> st(1199900.0, 1200500.0);
+    for (int n = 0; n < 300; ++n) {
+        double const ref = st(rng), station = st(rng);
+        bool const same = (n % 3) != 0;
+        double tm = 0.0, back = 0.0;
+        ASSERT_TRUE(ToTM(&m, ref, 17.0, same, station, tm));
+        ASSERT_TRUE(ToStation(&m, ref, 17.0, same, tm, back));
+        EXPECT_NEAR(back, station, 1e-8);
+    }
+}
+
+TEST(StationMapRoundTrip, NonFiniteInputStaysDefined)
+{
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    double const inf = std::numeric_limits<double>::infinity();
+    SurveyProfile const p;
+    CountingMap m = p.Map();
+    double out = 0.0;
+    (void)ToTM(&m, p.xA, 0.0, true, nan, out);
+    (void)ToTM(&m, nan, 0.0, true, p.xA, out);
+    (void)ToTM(&m, p.xA, 0.0, true, inf, out);
+    EXPECT_FALSE(ToStation(&m, p.xA, 0.0, true, nan, out));
+    (void)ToStation(&m, nan, 0.0, true, 10.0, out);
+    (void)ToStation(&m, p.xA, 0.0, true, inf, out);
+    (void)ToStation(&m, p.xA, 0.0, false, -inf, out);
+}
