@@ -1,0 +1,143 @@
+// The shipped sample alignment: import, joints, and the measured points
+// against the stations and offsets at which the sample's generator laid them
+// out from the exact element geometry.
+#include <cmath>
+#include <fstream>
+#include <map>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <zelalign/landxml.h>
+
+using zelalign::AlignmentPoint;
+using zelalign::ElementType;
+using zelalign::ImportedAlignment;
+using zelalign::Projection;
+using zelalign::ProjectionStatus;
+
+namespace {
+
+std::string const SampleDir = std::string(ZEL_SOURCE_DIR) + "/data/sample/";
+
+ImportedAlignment const& Sample()
+{
+    static ImportedAlignment const a = zelalign::ReadLandXml(SampleDir + "alignment.xml");
+    return a;
+}
+
+struct Expected {
+    double station, offset, height;
+};
+
+}  // namespace
+
+TEST(SampleAlignment, ImportsEveryElementTypeWithoutWarnings)
+{
+    ImportedAlignment const& a = Sample();
+    EXPECT_EQ(a.name, "Track 1");
+    ASSERT_EQ(a.horizontal.Size(), 17u);
+    for (std::string const& w : a.warnings) {
+        ADD_FAILURE() << w;
+    }
+    std::map<ElementType, int> count;
+    bool left = false;
+    bool right = false;
+    for (auto const& e : a.horizontal.Elements()) {
+        ++count[e.type];
+        if (e.type == ElementType::Arc) {
+            (e.spec.Start.Radius.Double() > 0 ? right : left) = true;
+        }
+    }
+    EXPECT_EQ(count[ElementType::Line], 4);
+    EXPECT_EQ(count[ElementType::Arc], 5);
+    EXPECT_EQ(count[ElementType::Clothoid], 5);
+    EXPECT_EQ(count[ElementType::CubicParabola], 1);
+    EXPECT_EQ(count[ElementType::HalfSine], 2);
+    EXPECT_TRUE(left && right);
+    EXPECT_DOUBLE_EQ(a.horizontal.StartStation(), 12400.0);
+    EXPECT_DOUBLE_EQ(a.horizontal.EndStation(), 16150.0);
+    EXPECT_EQ(a.profile.Points().size(), 5u);
+}
+
+TEST(SampleAlignment, ElementEndsMeet)
+{
+    ImportedAlignment const& a = Sample();
+    EXPECT_TRUE(a.horizontal.CheckJoints(0.0005).empty());
+    // Tangents agree at every joint as well (a continuous alignment).
+    for (std::size_t i = 0; i + 1 < a.horizontal.Size(); ++i) {
+        double const s = a.horizontal.Elements()[i].EndStation();
+        AlignmentPoint const end = a.horizontal.ElementPoint(static_cast<int>(i), s);
+        AlignmentPoint const start = a.horizontal.ElementPoint(static_cast<int>(i) + 1, s);
+        EXPECT_NEAR(std::remainder(end.azimuth - start.azimuth, 2.0 * 3.14159265358979323846), 0.0, 2e-5) << "joint " << i;
+    }
+}
+
+TEST(SampleAlignment, PointAtStationProjectsBackToThatStation)
+{
+    ImportedAlignment const& a = Sample();
+    std::mt19937_64 rng(7);
+    std::uniform_real_distribution<double> station(a.horizontal.StartStation(), a.horizontal.EndStation());
+    std::uniform_real_distribution<double> side(-8.0, 8.0);
+    for (int k = 0; k < 1500; ++k) {
+        double const s = station(rng);
+        AlignmentPoint p;
+        ASSERT_TRUE(a.horizontal.PointAt(s, &p));
+        double const d = side(rng);
+        Projection const r = a.horizontal.Project(p.east + d * std::cos(p.azimuth), p.north - d * std::sin(p.azimuth));
+        ASSERT_EQ(r.status, ProjectionStatus::OnElement) << "station " << s;
+        EXPECT_NEAR(r.foot.station, s, 1e-3) << "element " << p.element;
+        EXPECT_NEAR(r.offset, d, 1e-3) << "element " << p.element;
+    }
+}
+
+TEST(SampleAlignment, MeasuredPointsLieWhereTheyWereLaidOut)
+{
+    ImportedAlignment const& a = Sample();
+    std::ifstream expectedFile(SampleDir + "points_expected.csv");
+    std::ifstream pointsFile(SampleDir + "points.csv");
+    ASSERT_TRUE(expectedFile && pointsFile);
+    std::map<std::string, Expected> expected;
+    std::string line;
+    std::getline(expectedFile, line);
+    while (std::getline(expectedFile, line)) {
+        std::istringstream in(line);
+        std::string id;
+        char comma = 0;
+        Expected e{};
+        std::getline(in, id, ',');
+        in >> e.station >> comma >> e.offset >> comma >> e.height;
+        expected[id] = e;
+    }
+    ASSERT_EQ(expected.size(), 3000u);
+    std::getline(pointsFile, line);
+    int checked = 0;
+    while (std::getline(pointsFile, line)) {
+        std::istringstream in(line);
+        std::string id;
+        char comma = 0;
+        double east = 0.0;
+        double north = 0.0;
+        std::getline(in, id, ',');
+        in >> east >> comma >> north;
+        Projection const r = a.horizontal.Project(east, north);
+        auto const it = expected.find(id);
+        if (it == expected.end()) {
+            // The points laid out before the start and beyond the end.
+            EXPECT_EQ(r.status, id[0] == 'B' ? ProjectionStatus::BeforeStart : ProjectionStatus::BeyondEnd) << id;
+            continue;
+        }
+        ++checked;
+        ASSERT_EQ(r.status, ProjectionStatus::OnElement) << id;
+        // The file holds coordinates to 0.1 mm.
+        EXPECT_NEAR(r.foot.station, it->second.station, 1e-3) << id << " on element " << r.foot.element;
+        EXPECT_NEAR(r.offset, it->second.offset, 1e-3) << id << " on element " << r.foot.element;
+        double h = 0.0;
+        double g = 0.0;
+        ASSERT_TRUE(a.profile.HeightAt(r.foot.station, &h, &g));
+        EXPECT_NEAR(h, it->second.height, 1e-3) << id;
+    }
+    EXPECT_EQ(checked, 3000);
+}
