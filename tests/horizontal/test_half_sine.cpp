@@ -269,7 +269,7 @@ TEST(HalfSinConstants, ZeroSpanAndZeroRadiusGiveTheLargestDouble)
     EXPECT_EQ(b, DBL_MAX);
 }
 
-TEST(HalfSinSeries, TermsAsWritten)
+TEST(HalfSinSeries, TermByTerm)
 {
     for (double l : {0.0, 1.0, 37.5, 80.0, 95.0}) {
         double const a = Pi / 80.0;
