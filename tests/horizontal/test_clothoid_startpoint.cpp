@@ -1,0 +1,265 @@
+// Clothoid transitions laid out from their start point, tangent, radii and length.
+#include <zelmath/zelmath.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "horizontal/test_clothoid_geometry.h"
+
+using namespace zelmath;
+using namespace clothoid_test;
+
+namespace zelmath {
+struct CMathClothoidTestAccess {
+    static int ClassifyRadii(CALength const& r1, CALength const& r2) { return CMathClothoid::ClassifyRadii(r1, r2); }
+};
+}  // namespace zelmath
+
+using Access = zelmath::CMathClothoidTestAccess;
+
+namespace {
+
+struct Out {
+    CACoordinate point{-1.0, -2.0};
+    CAAzimuth azimuth{0.5};
+    CALength radius{-3.0};
+};
+
+bool Layout(Element const& e, double d, Out* out)
+{
+    return CMathClothoid::Kleinpunkt(e.track.Point(0.0), CAAzimuth(e.track.Heading(0.0)), e.track.Radius(0.0),
+                                     e.track.Radius(e.L), e.L, d, out->point, out->azimuth, out->radius);
+}
+
+void ExpectAtStart(Out const& o, CACoordinate const& c0, double az0, double r1)
+{
+    EXPECT_EQ(o.point.East().Double(), c0.East().Double());
+    EXPECT_EQ(o.point.North().Double(), c0.North().Double());
+    EXPECT_EQ(o.azimuth.Double(), CAAzimuth(az0).Double());
+    EXPECT_EQ(o.radius.Double(), r1);
+}
+
+}  // namespace
+
+TEST(ClothoidStartPoint, ClassifyRadiiSortsThePairs)
+{
+    EXPECT_EQ(Access::ClassifyRadii(300.0, -600.0), 4);
+    EXPECT_EQ(Access::ClassifyRadii(-300.0, 600.0), 4);
+    EXPECT_EQ(Access::ClassifyRadii(0.0, 300.0), 0);
+    EXPECT_EQ(Access::ClassifyRadii(0.0, -300.0), 0);
+    EXPECT_EQ(Access::ClassifyRadii(0.0, 0.0), 0);
+    EXPECT_EQ(Access::ClassifyRadii(300.0, 0.0), 1);
+    EXPECT_EQ(Access::ClassifyRadii(-300.0, 0.0), 1);
+    EXPECT_EQ(Access::ClassifyRadii(600.0, 300.0), 2);
+    EXPECT_EQ(Access::ClassifyRadii(-600.0, -300.0), 2);
+    EXPECT_EQ(Access::ClassifyRadii(300.0, 600.0), 3);
+    EXPECT_EQ(Access::ClassifyRadii(-300.0, -600.0), 3);
+    EXPECT_EQ(Access::ClassifyRadii(300.0, 300.0), 3);
+    // Exact comparisons: the tiniest radius is not a straight.
+    EXPECT_EQ(Access::ClassifyRadii(1e-12, 300.0), 3);
+    EXPECT_EQ(Access::ClassifyRadii(-1e-300, 300.0), 4);
+    // A NaN radius has no sign at all: it counts as opposite.
+    EXPECT_EQ(Access::ClassifyRadii(std::nan(""), 300.0), 4);
+    EXPECT_EQ(Access::ClassifyRadii(0.0, std::nan("")), 4);
+}
+
+TEST(ClothoidStartPoint, ZeroDistanceGivesTheStart)
+{
+    CACoordinate const c0(2600100.0, 1200200.0);
+    for (auto const& [r1, r2] : {std::pair<double, double>{300.0, -600.0}, {0.0, 400.0}, {-400.0, 0.0},
+                                 {800.0, 400.0}, {-400.0, -800.0}}) {
+        Out o;
+        EXPECT_TRUE(CMathClothoid::Kleinpunkt(c0, CAAzimuth(1.25), r1, r2, 90.0, 0.0, o.point, o.azimuth, o.radius));
+        ExpectAtStart(o, c0, 1.25, r1);
+    }
+}
+
+TEST(ClothoidStartPoint, StraightStartReachesTheEndRadius)
+{
+    for (double r2 : {400.0, -400.0}) {
+        Out o;
+        ASSERT_TRUE(CMathClothoid::Kleinpunkt(CACoordinate(0.0, 0.0), CAAzimuth(0.0), 0.0, r2, 100.0, 100.0, o.point,
+                                              o.azimuth, o.radius));
+        // A^2 / L with the sign of the end radius.
+        EXPECT_NEAR(o.radius.Double(), r2, 1e-9);
+        // Heading due North, tangent angle 100 / (2 * 400) = 0.125 to the bending side.
+        EXPECT_NEAR(WrapAngle(o.azimuth.Double() - (r2 > 0 ? 0.125 : -0.125)), 0.0, 1e-12);
+        // The local point of A = 200 at 100 m, the lateral part to the bending side.
+        double x = 0.0;
+        double y = 0.0;
+        FresnelSeries4(0.5, &x, &y);
+        EXPECT_NEAR(o.point.North().Double(), 200.0 * x, 1e-9);
+        EXPECT_NEAR(o.point.East().Double(), (r2 > 0 ? 1.0 : -1.0) * 200.0 * y, 1e-9);
+    }
+}
+
+TEST(ClothoidStartPoint, EqualRadiiAreNoTransition)
+{
+    CACoordinate const c0(10.0, 20.0);
+    for (double r : {300.0, -300.0, 0.0}) {
+        Out o;
+        EXPECT_FALSE(CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), r, r, 90.0, 45.0, o.point, o.azimuth, o.radius));
+        ExpectAtStart(o, c0, 2.0, r);
+    }
+}
+
+TEST(ClothoidStartPoint, DistanceOrLengthOutOfRangeFails)
+{
+    CACoordinate const c0(10.0, 20.0);
+    Out o;
+    // Slightly beyond the end.
+    EXPECT_FALSE(
+        CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), 0.0, 300.0, 90.0, 90.000001, o.point, o.azimuth, o.radius));
+    ExpectAtStart(o, c0, 2.0, 0.0);
+    // Before the start.
+    o = Out{};
+    EXPECT_FALSE(
+        CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), 300.0, 0.0, 90.0, -0.001, o.point, o.azimuth, o.radius));
+    ExpectAtStart(o, c0, 2.0, 300.0);
+    // No length.
+    for (double len : {0.0, -10.0}) {
+        o = Out{};
+        EXPECT_FALSE(CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), 300.0, 600.0, len, 0.0, o.point, o.azimuth,
+                                               o.radius));
+        ExpectAtStart(o, c0, 2.0, 300.0);
+    }
+}
+
+TEST(ClothoidStartPoint, OppositeRadiiPassThroughZeroCurvature)
+{
+    // R1 = 300 right, R2 = -600 left, L = 90: A^2 = 60 * 300 = 30 * 600 = 18000,
+    // 60 m to the point of zero curvature and 30 m after it.
+    Element const e = MakeElement(4, 1.0, 300.0, 600.0, 90.0, CACoordinate(500.0, 700.0), 0.9, 0.0, false);
+    ASSERT_NEAR(e.track.A * e.track.A, 18000.0, 1e-9);
+    ASSERT_NEAR(e.track.t0, 60.0, 1e-12);
+    ASSERT_NEAR(e.track.Radius(0.0), 300.0, 1e-9);
+    ASSERT_NEAR(e.track.Radius(90.0), -600.0, 1e-9);
+
+    Out zero;
+    ASSERT_TRUE(Layout(e, 60.0, &zero));
+    EXPECT_EQ(zero.radius.Double(), 0.0);
+    EXPECT_LE(Distance(zero.point, e.track.O), 1e-9);
+    EXPECT_NEAR(WrapAngle(zero.azimuth.Double() - e.track.thetaO), 0.0, 1e-12);
+
+    Out after;
+    ASSERT_TRUE(Layout(e, 70.0, &after));
+    // Continued from the point of zero curvature, 10 m along the left-bending part.
+    Out direct;
+    ASSERT_TRUE(CMathClothoid::Kleinpunkt(zero.point, zero.azimuth, 0.0, -600.0, 30.0, 10.0, direct.point,
+                                          direct.azimuth, direct.radius));
+    EXPECT_EQ(after.point.East().Double(), direct.point.East().Double());
+    EXPECT_EQ(after.point.North().Double(), direct.point.North().Double());
+    EXPECT_EQ(after.azimuth.Double(), direct.azimuth.Double());
+    EXPECT_EQ(after.radius.Double(), direct.radius.Double());
+    // 10 m past zero curvature the radius is 18000 / 10 to the left.
+    EXPECT_NEAR(after.radius.Double(), -1800.0, 1e-9);
+    EXPECT_LE(Distance(after.point, e.track.Point(70.0)), 1e-9);
+    EXPECT_NEAR(WrapAngle(after.azimuth.Double() - e.track.Heading(70.0)), 0.0, 1e-12);
+
+    Out before;
+    ASSERT_TRUE(Layout(e, 30.0, &before));
+    EXPECT_NEAR(before.radius.Double(), 18000.0 / 30.0, 1e-9);
+    EXPECT_LE(Distance(before.point, e.track.Point(30.0)), 1e-9);
+
+    Out end;
+    ASSERT_TRUE(Layout(e, 90.0, &end));
+    EXPECT_NEAR(end.radius.Double(), -600.0, 1e-9);
+}
+
+TEST(ClothoidStartPoint, FollowsTheClothoidForEveryPairOfRadii)
+{
+    ElementGenerator gen(60606);
+    for (int shape = 0; shape <= 4; ++shape) {
+        for (double c : {1.0, -1.0}) {
+            for (bool exact : {false, true}) {
+                for (bool survey : {false, true}) {
+                    for (int i = 0; i < 10; ++i) {
+                        Element const e = gen.Make(shape, c, exact, survey);
+                        double const tol = exact ? 4.0 * SeriesDeviation(e) + 2e-6 : 2e-6;
+                        for (int j = 0; j < 5; ++j) {
+                            double const d = (j == 0) ? e.L : gen.Uniform(0.0, e.L);
+                            Out o;
+                            ASSERT_TRUE(Layout(e, d, &o)) << "shape " << shape << " bend " << c << " d " << d;
+                            EXPECT_LE(Distance(o.point, e.track.Point(d)), tol)
+                                << "shape " << shape << " bend " << c << " d " << d;
+                            EXPECT_NEAR(WrapAngle(o.azimuth.Double() - e.track.Heading(d)), 0.0,
+                                        tol / e.track.A + 1e-9)
+                                << "shape " << shape << " bend " << c << " d " << d;
+                            double const r = e.track.Radius(d);
+                            if (std::fabs(d - e.track.t0) < 1e-9) {
+                                EXPECT_EQ(o.radius.Double(), 0.0);
+                            } else {
+                                EXPECT_NEAR(o.radius.Double(), r, 1e-8 * std::fabs(r))
+                                    << "shape " << shape << " bend " << c << " d " << d;
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(ClothoidStartPoint, FailedWalkToTheOriginLeavesTheStart)
+{
+    // So wide a start radius that the origin lies only picometres behind the
+    // start: the walk back fails, and the outputs stay at the start (not at
+    // the reversed start of the walk).
+    CACoordinate const c0(100.0, 200.0);
+    for (double r1 : {1e15, std::numeric_limits<double>::infinity()}) {
+        Out o;
+        EXPECT_FALSE(
+            CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.3), r1, 300.0, 100.0, 50.0, o.point, o.azimuth, o.radius));
+        ExpectAtStart(o, c0, 0.3, r1);
+    }
+    // Opposite radii with (almost) no part before the point of zero curvature.
+    Out o;
+    EXPECT_FALSE(
+        CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.3), 300.0, -1e-14, 90.0, 50.0, o.point, o.azimuth, o.radius));
+    ExpectAtStart(o, c0, 0.3, 300.0);
+}
+
+TEST(ClothoidStartPoint, OutputsMayAliasTheInputs)
+{
+    Element const e = MakeElement(2, 1.0, 300.0, 900.0, 100.0, CACoordinate(5.0, 5.0), 1.0, 0.0, false);
+    Out expected;
+    ASSERT_TRUE(Layout(e, 40.0, &expected));
+
+    CACoordinate p = e.track.Point(0.0);
+    CAAzimuth az(e.track.Heading(0.0));
+    CALength r(e.track.Radius(0.0));
+    ASSERT_TRUE(CMathClothoid::Kleinpunkt(p, az, r, e.track.Radius(e.L), e.L, 40.0, p, az, r));
+    EXPECT_EQ(p.East().Double(), expected.point.East().Double());
+    EXPECT_EQ(p.North().Double(), expected.point.North().Double());
+    EXPECT_EQ(az.Double(), expected.azimuth.Double());
+    EXPECT_EQ(r.Double(), expected.radius.Double());
+}
+
+TEST(ClothoidStartPoint, NonFiniteInputNeverLoops)
+{
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    double const inf = std::numeric_limits<double>::infinity();
+    double const huge = std::numeric_limits<double>::max();
+    double const good[6] = {0.3, 300.0, -600.0, 90.0, 45.0, 0.0};  // azimuth, R1, R2, L, d, (spare)
+    int calls = 0;
+    for (double bad : {nan, inf, -inf, huge, -huge, 0.0, -0.0, 1e-300}) {
+        for (int slot = 0; slot < 6; ++slot) {
+            double v[6];
+            for (int k = 0; k < 6; ++k) {
+                v[k] = (k == slot) ? bad : good[k];
+            }
+            CACoordinate const c0 = (slot == 5) ? CACoordinate(bad, bad) : CACoordinate(1.0, 2.0);
+            for (double r2 : {v[2], 0.0, 150.0, -150.0, 1200.0}) {
+                for (double r1 : {v[1], 0.0, 600.0, -600.0}) {
+                    Out o;
+                    CMathClothoid::Kleinpunkt(c0, CAAzimuth(v[0]), r1, r2, v[3], v[4], o.point, o.azimuth,
+                                              o.radius);
+                    ++calls;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(calls, 8 * 6 * 5 * 4);
+}
