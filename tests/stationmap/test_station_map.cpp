@@ -745,3 +745,109 @@ TEST(StationMapRoundTrip, NonFiniteInputStaysDefined)
     (void)ToStation(&m, p.xA, 0.0, true, inf, out);
     (void)ToStation(&m, p.xA, 0.0, false, -inf, out);
 }
+
+// ---------------------------------------------------------------------------
+// The fixed-point iteration on a curve moves the 2D station by the 3D error.
+// On a grade near 60 degrees (gradient near sqrt(3)) the 3D length grows almost
+// twice as fast as the station, so the steps barely contract.
+
+namespace {
+
+struct SteepParabola {
+    double g1 = 0.0, g2 = 0.0, r = 8000.0;
+    double x2 = 100.0;
+    double t = 0.0;  // half the extent
+    CountingMap map;
+
+    SteepParabola(double gradeIn, double gradeOut) : g1(gradeIn), g2(gradeOut)
+    {
+        t = r * std::fabs(100.0 * g2 - 100.0 * g1) / 200.0;
+        CStngMapCurved3DDef curve;
+        curve.PI1 = CACoordinate(0.0, 0.0);
+        curve.PI2 = CACoordinate(x2, 100.0 * g1);
+        curve.PI3 = CACoordinate(200.0, 100.0 * g1 + 100.0 * g2);
+        curve.Radius = r;
+        curve.IsParabola = true;
+        map.AddStraight(0.0, x2 - t, (x2 - t) * std::sqrt(1.0 + g1 * g1));
+        map.AddCurve(x2 - t, x2 + t, Arc(x2 - t, x2 + t), curve);
+        map.AddStraight(x2 + t, 200.0, (200.0 - x2 - t) * std::sqrt(1.0 + g2 * g2));
+    }
+    // Closed-form arc of the sag parabola between two stations on it.
+    double Arc(double a, double b) const
+    {
+        double const start = x2 - t;
+        return ParabolaArc(r, g1 + (a - start) / r, g1 + (b - start) / r);
+    }
+    // Curve lengths the iteration evaluates before it meets the 1e-4 m
+    // tolerance, following the station from base + rest (clamped to the end);
+    // 0 if a guess leaves the curve.
+    int EvaluationsNeeded(double target, int limit) const
+    {
+        double const base = x2 - t, end = x2 + t;
+        double const rest = Arc(base, target);
+        double s = std::min(base + rest, end);
+        for (int n = 1; n <= limit; ++n) {
+            if (s < base || s > end) {
+                return 0;
+            }
+            double const l = Arc(base, s);
+            if (std::fabs(l - rest) < 1e-4) {
+                return n;
+            }
+            s -= l - rest;
+        }
+        return limit + 1;
+    }
+};
+
+}  // namespace
+
+TEST(TunnelMetreToStation, CurveIterationGivesUpAfterItsStepLimit)
+{
+    // Gradients 1.7290 .. 1.7315: each step shrinks the error by less than
+    // 0.2 %, so 3001 curve lengths do not reach the tolerance.
+    SteepParabola p(1.7290, 1.7315);
+    ASSERT_NEAR(p.t, 10.0, 1e-9);
+    double const target = 101.0;
+    int const needed = p.EvaluationsNeeded(target, 20000);
+    ASSERT_GT(needed, 3001);
+    double const tm = p.map.elements[0].Length3D.Double() + p.Arc(90.0, target);
+    double st = Sentinel;
+    EXPECT_FALSE(ToStation(&p.map, 0.0, 0.0, true, tm, st));
+    EXPECT_EQ(st, Sentinel);
+    // The same target through the tunnel metre conversion is fine.
+    double back = Sentinel;
+    ASSERT_TRUE(ToTM(&p.map, 0.0, 0.0, true, target, back));
+    EXPECT_NEAR(back, tm, 1e-7);
+}
+
+TEST(TunnelMetreToStation, CurveIterationWithinItsStepLimitConverges)
+{
+    // Gradients 1.69 .. 1.70: the error shrinks by about 2.5 % a step.
+    SteepParabola p(1.69, 1.70);
+    double const target = p.x2 + 0.3 * p.t;
+    int const needed = p.EvaluationsNeeded(target, 20000);
+    ASSERT_GT(needed, 50);
+    ASSERT_LE(needed, 3001);
+    double const tm = p.map.elements[0].Length3D.Double() + p.Arc(p.x2 - p.t, target);
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&p.map, 0.0, 0.0, true, tm, st));
+    EXPECT_NEAR(st, target, 1e-4);
+}
+
+TEST(TunnelMetreToStation, ReferenceOnCurveFetchesItsCurveForBothSteps)
+{
+    // On its own curved element the walk measures the part after the
+    // reference, then fetches the curve again to iterate inside it.
+    SurveyProfile const p;
+    CountingMap m = p.Map();
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, p.xA - 20.0, 0.0, true, p.TM(p.xA) - p.TM(p.xA - 20.0), st));
+    EXPECT_NEAR(st, p.xA, 1e-4);
+    EXPECT_EQ(m.curveCalls, (std::vector<int>{1, 1}));
+    // Backward likewise.
+    m.ResetCounts();
+    ASSERT_TRUE(ToStation(&m, p.xA + 20.0, 0.0, true, -(p.TM(p.xA + 20.0) - p.TM(p.xA)), st));
+    EXPECT_NEAR(st, p.xA, 1e-4);
+    EXPECT_EQ(m.curveCalls, (std::vector<int>{1, 1}));
+}
