@@ -571,6 +571,9 @@ TEST(TunnelMetreToStation, TargetAtElementEndResolvedInThatElement)
     // first, last, search (element 0 holds the reference), walk on element 0:
     // element 1 is never read.
     EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 0}));
+    // The count: once at the start, once before the search step, once before
+    // the walk step.
+    EXPECT_EQ(m.countCalls, 3);
 
     // Backward: from 300 by 100.5 ends at the start of the last element.
     m.ResetCounts();
@@ -579,6 +582,9 @@ TEST(TunnelMetreToStation, TargetAtElementEndResolvedInThatElement)
     // first, last, search up to element 2 (which holds the reference), walk
     // on element 2 only.
     EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 1, 2, 2}));
+    // Once at the start and before each of the three search steps; the
+    // backward walk does not ask.
+    EXPECT_EQ(m.countCalls, 4);
 }
 
 TEST(TunnelMetreToStation, WalkRunsOffTheMapOneToOne)
