@@ -1,0 +1,231 @@
+// End-to-end runs of the zel program: stationing with hand-worked expected
+// rows, bad rows with and without --skip-bad, threads, the other subcommands.
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string const ZelProgram = std::string(ZEL_BINARY_DIR) + "/tools/zel";
+std::string const Sample = std::string(ZEL_SOURCE_DIR) + "/data/sample/";
+
+struct Result {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+std::string Read(std::string const& path)
+{
+    std::ifstream in(path);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+std::string Temp(std::string const& name)
+{
+    return ::testing::TempDir() + "zel_cli_" + name;
+}
+
+void Write(std::string const& path, std::string const& text)
+{
+    std::ofstream(path) << text;
+}
+
+Result Zel(std::string const& args)
+{
+    std::string const out = Temp("stdout.txt");
+    std::string const err = Temp("stderr.txt");
+    int const raw = std::system((ZelProgram + " " + args + " >" + out + " 2>" + err).c_str());
+    int const status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return Result{status, Read(out), Read(err)};
+}
+
+std::vector<std::string> Lines(std::string const& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    std::string line;
+    while (std::getline(in, line)) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// North 100 m from (E 1000, N 2000), then a right quarter circle of radius 100
+// (centre E 1100, N 2100) into East; a constant grade of 2 % from height 50.
+std::string const Alignment =
+    "<?xml version=\"1.0\"?>\n"
+    "<LandXML xmlns=\"http://www.landxml.org/schema/LandXML-1.2\" version=\"1.2\">\n"
+    "<Alignments><Alignment name=\"T\" staStart=\"0\"><CoordGeom>\n"
+    "<Line staStart=\"0\" length=\"100\"><Start>2000 1000</Start><End>2100 1000</End></Line>\n"
+    "<Curve rot=\"cw\" radius=\"100\" length=\"157.07963267948966\" staStart=\"100\"><Start>2100 1000</Start>"
+    "<Center>2100 1100</Center><End>2200 1100</End></Curve>\n"
+    "</CoordGeom>\n"
+    "<Profile><ProfAlign name=\"P\"><PVI>0 50</PVI><PVI>300 56</PVI></ProfAlign></Profile>\n"
+    "</Alignment></Alignments></LandXML>\n";
+
+std::string const Header =
+    "id,element,type,station,offset,azimuth_gon,radius,design_height,height_difference,tunnel_metre,status";
+
+class ZelCli : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        alignment = Temp("alignment.xml");
+        Write(alignment, Alignment);
+    }
+    std::string alignment;
+};
+
+}  // namespace
+
+TEST_F(ZelCli, StationsPointsOnStraightArcAndBeforeTheStart)
+{
+    std::string const points = Temp("points.csv");
+    Write(points,
+          "id,east,north,height\n"
+          "a,1010,2050,51.5\n"
+          "c,1036.3603896932107,2163.639610306789,53.0\n"
+          "b,1003,1980\n");
+    Result const r = Zel("station " + alignment + " " + points);
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 4u) << r.out;
+    EXPECT_EQ(lines[0], Header);
+    // 10 m right of station 50; grade 2 % gives 51.0; tunnel metre 50 * sqrt(1 + 0.02^2).
+    EXPECT_EQ(lines[1], "a,0,line,50.0000,10.0000,0.000000,0.0000,51.0000,0.5000,50.0100,on");
+    // 45 degrees round the arc, 10 m towards the centre: station 100 + 25 pi, azimuth 50 gon.
+    EXPECT_EQ(lines[2], "c,1,arc,178.5398,10.0000,50.000000,100.0000,53.5708,-0.5708,178.5755,on");
+    // 20 m before the start and 3 m to the right: the start point is reported.
+    EXPECT_EQ(lines[3], "b,0,line,0.0000,3.0000,0.000000,0.0000,50.0000,,0.0000,before_start");
+}
+
+TEST_F(ZelCli, TunnelMetreFromAGivenReference)
+{
+    std::string const points = Temp("points_ref.csv");
+    Write(points, "a,1010,2050,51.5\n");
+    Result const r = Zel("station " + alignment + " " + points + " --ref-station 100 --ref-tm 1000 --against");
+    ASSERT_EQ(r.status, 0) << r.err;
+    // 50 m of 2 % grade before the reference, counted against the stations: 1000 + 50.0100.
+    EXPECT_EQ(Lines(r.out).at(1), "a,0,line,50.0000,10.0000,0.000000,0.0000,51.0000,0.5000,1050.0100,on");
+}
+
+TEST_F(ZelCli, MalformedRowStopsWithFileAndLineButKeepsEarlierRows)
+{
+    std::string const points = Temp("bad.csv");
+    Write(points, "id,east,north\na,1010,2050\nb,1010,20x0\nc,1010,2060\n");
+    Result const r = Zel("station " + alignment + " " + points + " --threads 3");
+    EXPECT_NE(r.status, 0);
+    EXPECT_NE(r.err.find(points + ":3: north is not a number: '20x0'"), std::string::npos) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 2u) << r.out;
+    EXPECT_EQ(lines[1].substr(0, 2), "a,");
+}
+
+TEST_F(ZelCli, SkipBadCarriesOnAndCounts)
+{
+    std::string const points = Temp("bad2.csv");
+    Write(points, "a,1010,2050\nb,1010\n,1,2\nc,1010,2060\nd,1,2,3,4\n");
+    Result const r = Zel("station " + alignment + " " + points + " --skip-bad");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.err.find(points + ":2: expected id,east,north[,height], found 2 fields"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find(points + ":3: the point id is empty"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find(points + ":5:"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("skipped 3 malformed rows"), std::string::npos) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u) << r.out;
+    EXPECT_EQ(lines[1].substr(0, 2), "a,");
+    EXPECT_EQ(lines[2], "c,0,line,60.0000,10.0000,0.000000,0.0000,51.2000,,60.0120,on");
+}
+
+TEST(ZelCliSample, ThreadsGiveIdenticalOutput)
+{
+    std::string const one = Temp("one.csv");
+    std::string const many = Temp("many.csv");
+    Result const a = Zel("station " + Sample + "alignment.xml " + Sample + "points.csv --threads 1 -o " + one);
+    Result const b = Zel("station " + Sample + "alignment.xml " + Sample + "points.csv -j 4 -o " + many);
+    ASSERT_EQ(a.status, 0) << a.err;
+    ASSERT_EQ(b.status, 0) << b.err;
+    EXPECT_TRUE(a.err.empty()) << a.err;  // the sample imports without warnings
+    std::string const x = Read(one);
+    EXPECT_EQ(Lines(x).size(), 3005u);
+    EXPECT_EQ(x, Read(many));
+}
+
+TEST_F(ZelCli, PointAtStationsAndSettingOutTable)
+{
+    Result r = Zel("point " + alignment + " --at 50 --at 178.53981633974483 --angle-unit deg");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0], "station,element,type,east,north,azimuth_deg,radius,design_height,gradient_percent,tunnel_metre");
+    EXPECT_EQ(lines[1], "50.0000,0,line,1000.0000,2050.0000,0.000000,0.0000,51.0000,2.0000,50.0100");
+    // Centre (1100, 2100) minus 100 (cos 45, -sin 45).
+    EXPECT_EQ(lines[2], "178.5398,1,arc,1029.2893,2170.7107,45.000000,100.0000,53.5708,2.0000,178.5755");
+
+    r = Zel("point " + alignment + " --every 100");
+    ASSERT_EQ(r.status, 0) << r.err;
+    lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 5u);  // 0, 100, 200, end 257.0796
+    EXPECT_EQ(lines[1].substr(0, 9), "0.0000,0,");
+    EXPECT_EQ(lines[2].substr(0, 11), "100.0000,1,");
+    EXPECT_EQ(lines[3].substr(0, 11), "200.0000,1,");
+    EXPECT_EQ(lines[4].substr(0, 11), "257.0796,1,");
+
+    r = Zel("point " + alignment + " --at 300");
+    EXPECT_NE(r.status, 0);
+    EXPECT_NE(r.err.find("outside the alignment"), std::string::npos);
+}
+
+TEST_F(ZelCli, TunnelMetreBothWays)
+{
+    Result const r = Zel("tm " + alignment + " --station 100 --tunnel-metre 100.02");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[1], "100.0000,100.0200");
+    EXPECT_EQ(lines[2], "100.0000,100.0200");
+}
+
+TEST_F(ZelCli, InfoListsElementsAndProfile)
+{
+    Result const r = Zel("info " + alignment);
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.out.find("0,line,4,0.0000,100.0000,100.0000,0.0000,0.0000,1000.0000,2000.0000,1000.0000,2100.0000"),
+              std::string::npos)
+        << r.out;
+    EXPECT_NE(r.out.find("1,arc,5,100.0000,257.0796,157.0796,100.0000,100.0000"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("1,300.0000,56.0000,none"), std::string::npos) << r.out;
+}
+
+TEST_F(ZelCli, BrokenAlignmentIsAnError)
+{
+    std::string const broken = Temp("broken.xml");
+    std::string text = Alignment;
+    text.replace(text.find("<Line staStart"), 5, "<Spiral spiType=\"bloss\"");
+    text.replace(text.find("</Line>"), 7, "</Spiral>");
+    Write(broken, text);
+    Result const r = Zel("info " + broken);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find(broken + ":4: <Spiral>: attribute 'radiusStart' is missing"), std::string::npos) << r.err;
+}
+
+TEST(ZelCliHelp, EverySubcommandHasHelp)
+{
+    for (char const* sub : {"station", "point", "tm", "info"}) {
+        Result const r = Zel(std::string(sub) + " --help");
+        EXPECT_EQ(r.status, 0) << sub;
+        EXPECT_NE(r.out.find("Usage:"), std::string::npos) << sub;
+    }
+    Result const r = Zel("--help");
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(Zel("").status, 0);
+}
