@@ -18,16 +18,10 @@
 
 #include <zelmath/circle.h>
 #include <zelmath/complex_shape.h>
-#include <zelmath/line.h>
-#if ZELALIGN_HAVE_CLOTHOID
 #include <zelmath/clothoid.h>
-#endif
-#if ZELALIGN_HAVE_CUBIC_PARABOLA
 #include <zelmath/cubic_parabola.h>
-#endif
-#if ZELALIGN_HAVE_HALF_SINE
 #include <zelmath/half_sine.h>
-#endif
+#include <zelmath/line.h>
 
 namespace zelalign {
 namespace detail {
@@ -119,11 +113,11 @@ bool TransitionSupported(HorizontalElement const& element)
     case ElementType::Arc:
         return true;
     case ElementType::Clothoid:
-        return ZELALIGN_HAVE_CLOTHOID && type >= 0 && type <= 3;
+        return type >= 0 && type <= 3;
     case ElementType::CubicParabola:
-        return ZELALIGN_HAVE_CUBIC_PARABOLA && (type == 0 || type == 1);
+        return (type == 0 || type == 1);
     case ElementType::HalfSine:
-        return ZELALIGN_HAVE_HALF_SINE && (type == 0 || type == 1);
+        return (type == 0 || type == 1);
     }
     return false;
 }
@@ -143,12 +137,9 @@ void ElementKleinpunkt(HorizontalElement const& element, double station, Alignme
                                          CALength(local), &rec);
         break;
     case ElementType::Clothoid:
-#if ZELALIGN_HAVE_CLOTHOID
         zelmath::CMathClothoid::Kleinpunkt(spec, CALength(station), &rec);
-#endif
         break;
     case ElementType::CubicParabola:
-#if ZELALIGN_HAVE_CUBIC_PARABOLA
         if (ReversedParabola(element)) {
             zelmath::CMathCbcParabol::Kleinpunkt(Reversed(spec), CALength(ReversedStation(spec, station)), &rec);
             rec.Azimuth = zelmath::CAAzimuth(Reverse(rec.Azimuth.Double()));
@@ -156,12 +147,9 @@ void ElementKleinpunkt(HorizontalElement const& element, double station, Alignme
         } else {
             zelmath::CMathCbcParabol::Kleinpunkt(spec, CALength(station), &rec);
         }
-#endif
         break;
     case ElementType::HalfSine:
-#if ZELALIGN_HAVE_HALF_SINE
         zelmath::CMathHalfSin::Kleinpunkt(spec, CALength(station), &rec);
-#endif
         rec.Radius = CALength(HalfSineRadius(spec, station));
         break;
     }
@@ -186,12 +174,9 @@ int ElementLot(HorizontalElement const& element, CACoordinate const& point, Alig
         rec.Station = CALength(rec.Station.Double() + start);
         break;
     case ElementType::Clothoid:
-#if ZELALIGN_HAVE_CLOTHOID
         result = zelmath::CMathClothoid::Lot(spec, point, &rec);
-#endif
         break;
     case ElementType::CubicParabola:
-#if ZELALIGN_HAVE_CUBIC_PARABOLA
         if (ReversedParabola(element)) {
             result = SwapEnds(zelmath::CMathCbcParabol::Lot(Reversed(spec), point, &rec));
             rec.Station = CALength(ReversedStation(spec, rec.Station.Double()));
@@ -200,12 +185,9 @@ int ElementLot(HorizontalElement const& element, CACoordinate const& point, Alig
         } else {
             result = zelmath::CMathCbcParabol::Lot(spec, point, &rec);
         }
-#endif
         break;
     case ElementType::HalfSine:
-#if ZELALIGN_HAVE_HALF_SINE
         result = zelmath::CMathHalfSin::Lot(spec, point, &rec);
-#endif
         rec.Radius = CALength(HalfSineRadius(spec, rec.Station.Double()));
         break;
     }

@@ -242,3 +242,112 @@ TEST(HorizontalAlignment, NonFinitePointGivesNoSolution)
     Projection const r2 = a.Project(std::numeric_limits<double>::infinity(), 1.0);
     EXPECT_EQ(r2.status, ProjectionStatus::NoSolution);
 }
+
+namespace {
+
+// A cubic parabola y = x^3 / (6 R X) from a right-hand curve of radius R into
+// a straight heading North that ends at the origin: x is measured back from
+// the end, the curve lies to the right (East) of the end tangent.
+constexpr double ParabolaR = 1500.0;
+constexpr double ParabolaX = 80.0;
+
+CACoordinate ParabolaPoint(double x)
+{
+    return CACoordinate(x * x * x / (6.0 * ParabolaR * ParabolaX), -x);
+}
+
+}  // namespace
+
+TEST(HorizontalAlignment, CubicParabolaFromCurveIntoStraightFollowsItsGeometricCurve)
+{
+    std::vector<HorizontalElement> e{HorizontalElement::Transition(
+        ElementType::CubicParabola, 0.0, ParabolaX, ParabolaPoint(ParabolaX), CACoordinate(0.0, 0.0), ParabolaR, 0.0),
+        HorizontalElement::Line(ParabolaX, 50.0, CACoordinate(0.0, 0.0), CACoordinate(0.0, 50.0))};
+    HorizontalAlignment const a(e);
+    EXPECT_EQ(a.Elements()[0].spec.ComplexType, 1);
+    EXPECT_TRUE(a.CheckJoints(1e-4).empty());
+    for (double s : {0.0, 20.0, 40.0, 60.0, 80.0}) {
+        AlignmentPoint p;
+        ASSERT_TRUE(a.PointAt(s, &p));
+        ASSERT_EQ(p.element, s < ParabolaX ? 0 : 1);
+        if (p.element != 0) {
+            continue;
+        }
+        double const x = ParabolaX - s;
+        CACoordinate const q = ParabolaPoint(x);
+        EXPECT_NEAR(p.east, q.East().Double(), 1e-4) << s;
+        EXPECT_NEAR(p.north, q.North().Double(), 1e-4) << s;
+        // Heading North, turning right towards the end: azimuth -atan(x^2 / (2 R X)).
+        double const az = -std::atan(x * x / (2.0 * ParabolaR * ParabolaX));
+        EXPECT_NEAR(std::remainder(p.azimuth - az, 2.0 * Pi), 0.0, 1e-4) << s;
+        // Radius R X / x, bending right.
+        EXPECT_NEAR(p.radius, x == 0.0 ? 0.0 : ParabolaR * ParabolaX / x, 1e-6 * ParabolaR * ParabolaX / x) << s;
+    }
+    // The end of the parabola is the start of the straight, not its mirror image.
+    AlignmentPoint const end = a.ElementPoint(0, ParabolaX);
+    EXPECT_NEAR(end.east, 0.0, 1e-6);
+    EXPECT_NEAR(end.north, 0.0, 1e-6);
+
+    // Points beside the parabola project back onto it.
+    for (double s : {5.0, 30.0, 55.0, 75.0}) {
+        AlignmentPoint p;
+        ASSERT_TRUE(a.PointAt(s, &p));
+        for (double d : {-4.0, 2.5}) {
+            Projection const r = a.Project(p.east + d * std::cos(p.azimuth), p.north - d * std::sin(p.azimuth));
+            ASSERT_EQ(r.status, ProjectionStatus::OnElement) << s;
+            EXPECT_EQ(r.foot.element, 0);
+            EXPECT_NEAR(r.foot.station, s, 1e-3);
+            EXPECT_NEAR(r.offset, d, 1e-3);
+        }
+    }
+    // Before the start of the parabola: reported at its start.
+    AlignmentPoint start;
+    ASSERT_TRUE(a.PointAt(0.0, &start));
+    Projection const r = a.Project(start.east - 10.0 * std::sin(start.azimuth), start.north - 10.0 * std::cos(start.azimuth));
+    EXPECT_EQ(r.status, ProjectionStatus::BeforeStart);
+    EXPECT_NEAR(r.along, -10.0, 1e-6);
+}
+
+TEST(HorizontalAlignment, HalfSineRadiusFollowsItsCurvature)
+{
+    // A half-sine transition from a straight into a left curve of 1500 m over 100 m:
+    // curvature (1 - cos(pi l / L)) / (2 R); at mid length the radius is 2 R.
+    double const r = -1500.0;
+    double const l = 100.0;
+    // End point by Simpson's rule on the heading theta(l) = (l - L/pi sin(pi l / L)) / (2 R).
+    auto theta = [&](double u) { return (u - l / Pi * std::sin(Pi * u / l)) / (2.0 * r); };
+    int const n = 2000;
+    double se = 0.0;
+    double sn = 0.0;
+    for (int i = 0; i <= n; ++i) {
+        double const w = (i == 0 || i == n) ? 1.0 : (i % 2 ? 4.0 : 2.0);
+        se += w * std::sin(theta(l * i / n));
+        sn += w * std::cos(theta(l * i / n));
+    }
+    CACoordinate const end(se * l / n / 3.0, sn * l / n / 3.0);
+    std::vector<HorizontalElement> e{
+        HorizontalElement::Transition(ElementType::HalfSine, 0.0, l, CACoordinate(0, 0), end, 0.0, r)};
+    HorizontalAlignment const a(e);
+    AlignmentPoint p;
+    ASSERT_TRUE(a.PointAt(50.0, &p));
+    EXPECT_NEAR(p.radius, 2.0 * r, 1e-9);
+    ASSERT_TRUE(a.PointAt(100.0, &p));
+    EXPECT_NEAR(p.radius, r, 1e-9);
+    EXPECT_NEAR(p.east, end.East().Double(), 1e-3);
+    EXPECT_NEAR(p.north, end.North().Double(), 1e-3);
+    EXPECT_NEAR(std::remainder(p.azimuth - theta(l), 2.0 * Pi), 0.0, 1e-4);
+    ASSERT_TRUE(a.PointAt(0.0, &p));
+    EXPECT_EQ(p.radius, 0.0);
+}
+
+TEST(HorizontalAlignment, TransitionsTheElementClassesDoNotHandleAreRejected)
+{
+    // A cubic parabola between two curves.
+    std::vector<HorizontalElement> e{HorizontalElement::Transition(ElementType::CubicParabola, 0.0, 50.0,
+                                                                   CACoordinate(0, 0), CACoordinate(0, 50), 600.0, 300.0)};
+    EXPECT_THROW(HorizontalAlignment{e}, std::invalid_argument);
+    e[0].type = ElementType::HalfSine;
+    EXPECT_THROW(HorizontalAlignment{e}, std::invalid_argument);
+    e[0].type = ElementType::Clothoid;
+    EXPECT_NO_THROW(HorizontalAlignment{e});
+}
