@@ -143,7 +143,7 @@ titles = {
     "bench_clothoid": "Clothoid",
     "bench_cubic_parabola": "Cubic parabola",
     "bench_half_sine": "Half-sine transition",
-    "bench_profile": "Vertical curves",
+    "bench_profile_station_map": "Vertical curves and station map 2D/3D",
     "bench_plane": "Plane",
     "bench_station_map": "Station map 2D/3D",
     "bench_alignment": "Alignment stationing",
