@@ -43,6 +43,8 @@ constexpr int ProgressBarWidth = 40;
 // Longest setting-out table, and how close (metres) a round station may come
 // to the end of the table before it is left out in favour of the end itself.
 constexpr double MaxTableRows = 1e7;
+// Values this large are written in exponent notation rather than with fixed decimals.
+constexpr double LargestFixedValue = 1e15;
 constexpr double RoundStationTolerance = 1e-9;
 
 enum class AngleUnit { Gon, Degree, Radian };
@@ -81,6 +83,10 @@ std::string Fixed(double v, int decimals)
         return std::string();
     }
     char buf[64];
+    if (std::fabs(v) >= LargestFixedValue) {
+        std::snprintf(buf, sizeof buf, "%.17g", v);
+        return buf;
+    }
     std::snprintf(buf, sizeof buf, "%.*f", decimals, v);
     std::string s(buf);
     if (s[0] == '-' && s.find_first_not_of("-0.") == std::string::npos) {

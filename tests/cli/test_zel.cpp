@@ -229,3 +229,18 @@ TEST(ZelCliHelp, EverySubcommandHasHelp)
     EXPECT_EQ(r.status, 0);
     EXPECT_NE(Zel("").status, 0);
 }
+
+TEST_F(ZelCli, HugeCoordinatesStillGiveARow)
+{
+    std::string const points = Temp("huge.csv");
+    Write(points, "x,1e300,1e300\ny,-1e308,5,1e308\n");
+    Result const r = Zel("station " + alignment + " " + points);
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[1].substr(0, 2), "x,");
+    EXPECT_EQ(lines[2].substr(0, 2), "y,");
+    // Far off in the South-West, behind the start heading North.
+    EXPECT_NE(lines[2].find("before_start"), std::string::npos) << lines[2];
+    EXPECT_NE(lines[2].find("e+308"), std::string::npos) << lines[2];
+}
