@@ -34,10 +34,11 @@ CAAngle WorldToLocal(CAAzimuth const& az)
     return CAAngle(CAPi + CAPidiv2) + az;
 }
 
-// Turn that brings the local abscissa (due East) onto azimuth az.
+// Turn that brings the local abscissa (due East) onto azimuth az: the angle
+// difference pi/2 - az, brought into [0, 2 pi) like every angle difference.
 CAAngle LocalToWorld(CAAzimuth const& az)
 {
-    return CAAngle(CAPidiv2 - az.Double());
+    return CAAngle(CAPidiv2) - az;
 }
 
 }  // namespace
@@ -106,7 +107,9 @@ CAAngle CMathHalfSin::Tau(double const& a, double const& b, CALength const& l)
 {
     CACoordinate const p1 = GetLocalPoint(a, b, l);
     CACoordinate const p2 = GetLocalPoint(a, b, l + CALength(TangentStep));
-    return CAAngle(CAPidiv2 - (p2 - p1).Azimuth().Double());
+    // An angle difference, so the tangent angle lies in [0, 2 pi): a curve
+    // bending left gives an angle just below 2 pi, not a negative one.
+    return CAAngle(CAPidiv2) - (p2 - p1).Azimuth();
 }
 
 double CMathHalfSin::TauNeu(CAxisComplexSpec const& element, CALength const& l)
@@ -126,7 +129,7 @@ double CMathHalfSin::TauNeu(CAxisComplexSpec const& element, CALength const& l)
 void CMathHalfSin::Kleinpunkt(CAxisComplexSpec const& element, CALength const& station,
                               CAxisPointSpec* out)
 {
-    if (out == nullptr || (element.ComplexType != 0 && element.ComplexType != 1)) {
+    if (element.ComplexType != 0 && element.ComplexType != 1) {
         return;
     }
     double a = 0.0;
@@ -200,9 +203,6 @@ TPointMathResult::Type CMathHalfSin::Iterate(CAxisComplexSpec const& element,
 TPointMathResult::Type CMathHalfSin::Lot(CAxisComplexSpec const& element,
                                          CACoordinate const& point, CAxisPointSpec* out)
 {
-    if (out == nullptr) {
-        return TPointMathResult::NoSolution;
-    }
     double a = 0.0;
     double b = 0.0;
     GetConstants(element, &a, &b);

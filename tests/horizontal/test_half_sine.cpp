@@ -344,6 +344,34 @@ TEST(HalfSinTau, ForwardDifferenceOverAMillimetre)
     EXPECT_NEAR(AngleDiff(Access::Tau(0.1, 0.01, 10.0).Double(), std::atan2(dy2, dx2)), 0.0, 1e-9);
 }
 
+TEST(HalfSinTau, AngleDifferenceLiesInOneTurn)
+{
+    // The tangent angle is the angle difference quarter turn minus the
+    // azimuth of the step, brought into [0, 2 pi). Bending right the step
+    // rises to the left of the abscissa and the angle is small and positive;
+    // bending left it falls, and the angle is a full turn less a little, never
+    // negative.
+    double const a = Pi / 100.0;
+    double const b = 1.0 / 600.0;
+    for (double l : {0.0, 30.0, 100.0}) {
+        double const dx = SeriesX(a, b, l + 0.001) - SeriesX(a, b, l);
+        double const dy = SeriesY(a, b, l + 0.001) - SeriesY(a, b, l);
+        // Counter-clockwise angle of the step from the abscissa.
+        double const up = std::atan2(dy, dx);
+        ASSERT_GT(up, 0.0);
+        EXPECT_NEAR(Access::Tau(a, b, l).Double(), up, 1e-9) << l;
+
+        double const dyl = SeriesY(a, -b, l + 0.001) - SeriesY(a, -b, l);
+        double const dxl = SeriesX(a, -b, l + 0.001) - SeriesX(a, -b, l);
+        double const down = std::atan2(dyl, dxl);
+        ASSERT_LT(down, 0.0);
+        double const tau = Access::Tau(a, -b, l).Double();
+        EXPECT_NEAR(tau, 2.0 * Pi + down, 1e-9) << l;
+        EXPECT_GE(tau, 0.0);
+        EXPECT_LT(tau, 2.0 * Pi);
+    }
+}
+
 TEST(HalfSinTau, CloseToTheHeadingOfTheCurve)
 {
     for (double r : {300.0, -300.0, 1500.0}) {
