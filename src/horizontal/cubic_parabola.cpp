@@ -35,10 +35,11 @@ CAAngle WorldToLocal(CAAzimuth const& az)
     return CAAngle(CAPi + CAPidiv2) + az;
 }
 
-// Turn that brings the local abscissa (due East) onto azimuth az.
+// Turn that brings the local abscissa (due East) onto azimuth az: the angle
+// difference pi/2 - az, brought into [0, 2 pi) like every angle difference.
 CAAngle LocalToWorld(CAAzimuth const& az)
 {
-    return CAAngle(CAPidiv2 - az.Double());
+    return CAAngle(CAPidiv2) - az;
 }
 
 }  // namespace
@@ -108,7 +109,7 @@ CMathCbcParabol::TGeometry CMathCbcParabol::Geometry(CAxisComplexSpec const& ele
 void CMathCbcParabol::Kleinpunkt(CAxisComplexSpec const& element, CALength const& station,
                                  CAxisPointSpec* out)
 {
-    if (out == nullptr || (element.ComplexType != 0 && element.ComplexType != 1)) {
+    if (element.ComplexType != 0 && element.ComplexType != 1) {
         return;
     }
     bool const curveAtEnd = (element.ComplexType == 0);
@@ -171,7 +172,7 @@ CALength CMathCbcParabol::Length(CAxisComplexSpec const& element)
 
     // Turned by pi/2 - K.Azimuth (the reverse sense of the world-to-local turn
     // of the iteration); this is the frame the length is taken in.
-    v.Rotate(CAAngle(CAPidiv2 - k.Azimuth.Double()));
+    v.Rotate(LocalToWorld(k.Azimuth));
 
     double const vx = v.X().Double();
     double const vy = v.Y().Double();
@@ -226,7 +227,7 @@ TPointMathResult::Type CMathCbcParabol::Lot(CAxisComplexSpec const& element,
                                             CACoordinate const& point, CAxisPointSpec* out)
 {
     TPointMathResult::Type result = TPointMathResult::NoSolution;
-    if (out == nullptr || (element.ComplexType != 0 && element.ComplexType != 1)) {
+    if (element.ComplexType != 0 && element.ComplexType != 1) {
         return result;
     }
     bool const curveAtEnd = (element.ComplexType == 0);
