@@ -73,7 +73,8 @@ char const* ProjectionStatusName(ProjectionStatus status);
 // statuses the reported point is the joint or the end point, and the offset is
 // the component of the measured point across the tangent there (the bisector of
 // the two tangents at a kink), and along the component in the tangent
-// direction (negative before the start, positive beyond the end).
+// direction (negative before the start, positive beyond the end). At a kink
+// the reported azimuth is that bisector.
 struct Projection {
     ProjectionStatus status = ProjectionStatus::NoSolution;
     AlignmentPoint foot;

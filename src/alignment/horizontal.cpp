@@ -297,7 +297,10 @@ Projection HorizontalAlignment::Project(double east, double north) const
         double const dn = std::max({b.minNorth - north, 0.0, north - b.maxNorth});
         order.emplace_back(std::hypot(de, dn), static_cast<int>(i));
     }
-    std::sort(order.begin(), order.end());
+    // A heap hands out the nearest boxes first; on a long alignment only the few
+    // near the point are ever taken out of it.
+    auto const farther = [](std::pair<double, int> const& a, std::pair<double, int> const& b) { return b < a; };
+    std::make_heap(order.begin(), order.end(), farther);
 
     constexpr int NotComputed = -1;
     std::vector<Foot> feet(n, Foot{NotComputed, AlignmentPoint{}});
@@ -322,6 +325,7 @@ Projection HorizontalAlignment::Project(double east, double north) const
         }
         best.status = status;
         best.foot = foot;
+        best.foot.azimuth = azimuth;  // at a kink the bisector of the two tangents
         best.distance = distance;
         Components(east, north, foot, azimuth, &best.offset, &best.along);
         if (status == ProjectionStatus::OnElement) {
@@ -336,7 +340,10 @@ Projection HorizontalAlignment::Project(double east, double north) const
         offer(ProjectionStatus::Kink, joint, azimuth);
     };
 
-    for (auto const& [boxDistance, i] : order) {
+    while (!order.empty()) {
+        std::pop_heap(order.begin(), order.end(), farther);
+        auto const [boxDistance, i] = order.back();
+        order.pop_back();
         if (boxDistance > best.distance + NearTie) {
             break;
         }

@@ -165,6 +165,7 @@ TEST(HorizontalAlignment, PointInTheWedgeOutsideAKink)
     // Outside a right turn is on the left: negative across the bisector (North-East).
     EXPECT_NEAR(r.offset, -std::sqrt(200.0), 1e-9);
     EXPECT_NEAR(r.along, 0.0, 1e-9);
+    EXPECT_NEAR(r.foot.azimuth, Pi / 4.0, 1e-12);
 
     // Inside the kink the nearer of the two feet wins.
     r = a.Project(3.0, 90.0);

@@ -245,3 +245,21 @@ TEST_F(ZelCli, HugeCoordinatesStillGiveARow)
     EXPECT_NE(lines[1].find("e+300"), std::string::npos) << lines[1];
     EXPECT_NE(lines[2].find("e+308"), std::string::npos) << lines[2];
 }
+
+TEST(ZelCliKink, PointOutsideAKinkIsReportedAtTheJoint)
+{
+    // North 100 m, then a sharp turn to the East at (E 0, N 100).
+    std::string const path = Temp("kink.xml");
+    Write(path,
+          "<LandXML><Alignments><Alignment name=\"K\"><CoordGeom>\n"
+          "<Line><Start>0 0</Start><End>100 0</End></Line>\n"
+          "<Line><Start>100 0</Start><End>100 100</End></Line>\n"
+          "</CoordGeom></Alignment></Alignments></LandXML>\n");
+    std::string const points = Temp("kink.csv");
+    Write(points, "w,-3,104\n");
+    Result const r = Zel("station " + path + " " + points);
+    ASSERT_EQ(r.status, 0) << r.err;
+    // Joint at station 100; bisector heading 50 gon; 5 m away, on the left;
+    // no profile, so no design height; tunnel metre one to one.
+    EXPECT_EQ(Lines(r.out).at(1), "w,1,line,100.0000,-4.9497,50.000000,0.0000,,,100.0000,kink");
+}
