@@ -661,6 +661,24 @@ TEST_P(CbcParabolBothBends, LotIntoAStraightReportsItsOwnPointsBeyondTheEnd)
     ExpectNear(out.Coordinate, ExpectedPoint(l, 0.0), Tight);
 }
 
+TEST(CbcParabolLot, FirstTrialStationScalesTheAbscissaToTheSpan)
+{
+    // A practically straight element due East whose abscissa (150 m) is half
+    // as long again as its station span (100): station s lies at abscissa
+    // 1.5 s. A point 5 m beside abscissa 105 starts the search at
+    // 105 * 100 / 150 = 70, which is already its foot, so the first trial
+    // station is the one reported. Started unscaled at 105 (clamped to
+    // 99.9999), the damped steps would stop about 0.0001 short of 70.
+    Layout const l = StraightIntoCurve(CACoordinate(0.0, 0.0), Pi / 2.0, 1e12, 150.0, 0.0, 100.0);
+    ASSERT_NEAR(l.lx, 150.0, 1e-9);
+    for (double side : {5.0, -5.0}) {
+        CAxisPointSpec out;
+        EXPECT_EQ(CMathCbcParabol::Lot(l.element, CACoordinate(105.0, side), &out), TPointMathResult::OnElement);
+        EXPECT_NEAR(out.Station.Double(), 70.0, 1e-9) << side;
+        ExpectNear(out.Coordinate, CACoordinate(105.0, 0.0), 1e-6);
+    }
+}
+
 TEST(CbcParabolLot, UnsupportedTypesGiveNoSolutionAndLeaveTheOutputUntouched)
 {
     Layout l = StraightIntoCurve(CACoordinate(0.0, 0.0), 1.0, 400.0, 50.0, 0.0, 50.0);

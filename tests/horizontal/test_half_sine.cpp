@@ -629,6 +629,31 @@ TEST(HalfSinIterate, FarOffTheElementIsStillIterated)
     }
 }
 
+TEST(HalfSinLot, FirstTrialStationIsTheDistanceAlongTheStartTangent)
+{
+    // A practically straight element due East whose end point lies 150 m
+    // from its start over a station span of 100: the series put station s at
+    // abscissa s, and only the chord's direction is read. A point 30 m beside
+    // abscissa 70 starts the search at Start.Station + 70, unscaled, which is
+    // already its foot, so the first trial station is the one reported.
+    // Scaled by the span over the chord (start 46.7) the damped steps would
+    // stop short of 70.
+    CAxisComplexSpec e;
+    e.Start.Coordinate = CACoordinate(0.0, 0.0);
+    e.End.Coordinate = CACoordinate(150.0, 0.0);
+    e.Start.Station = 1000.0;
+    e.End.Station = 1100.0;
+    e.Start.Radius = 0.0;
+    e.End.Radius = 1e12;
+    e.ComplexType = 0;
+    for (double side : {30.0, -30.0}) {
+        CAxisPointSpec out;
+        EXPECT_EQ(CMathHalfSin::Lot(e, CACoordinate(70.0, side), &out), TPointMathResult::OnElement);
+        EXPECT_NEAR(out.Station.Double(), 1070.0, 1e-9) << side;
+        ExpectNear(out.Coordinate, CACoordinate(70.0, 0.0), 1e-6);
+    }
+}
+
 TEST(HalfSinIterate, RunsOutOfStepsWhenTheFootIsBeyondTheEnd)
 {
     Layout const l = Straightish();
