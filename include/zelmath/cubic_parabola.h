@@ -21,8 +21,10 @@ namespace zelmath {
 // such an element's curve points beyond the end or finds no foot.
 class ZELMATH_EXPORT CMathCbcParabol {
 public:
-    // Abscissa length Lx of the parabola, solved from the curved end in the
-    // frame of the tangent at the origin.
+    // Abscissa length Lx of the parabola, |x^3 / (6 R y)| of the chord from
+    // the origin to the curved end turned by a quarter turn less the origin
+    // tangent's azimuth; that turn is the tangent frame only when the origin
+    // tangent points due East or West.
     static CALength Length(CAxisComplexSpec const& element);
 
     // Point, tangent azimuth and radius at a station; fills all four fields of

@@ -414,6 +414,30 @@ TEST(CbcParabolKleinpunkt, ZeroRadiusGivesHugeOrdinateOfPositiveSign)
     EXPECT_EQ(out.Radius.Double(), 0.0);
 }
 
+TEST(CbcParabolKleinpunkt, TinyRadiusIsZeroForThePointButNotForTheCurvedEnd)
+{
+    // R = 1e-11 is 0 to the value comparison but not exactly 0. The curved
+    // end's ordinate is then the finite -c^3 / (6 R c) = -c^2 / (6 R), so the
+    // main tangent leaves the chord (due North) a quarter turn to the left
+    // less atan(6 R / c). The point's ordinate, tested with the value
+    // comparison, is -DBL_MAX: its tangent stands a quarter turn to the right
+    // of the main tangent, at azimuth atan(6 R / c) instead of exactly 0.
+    CAxisComplexSpec e;
+    e.Start.Coordinate = CACoordinate(0.0, 0.0);
+    e.End.Coordinate = CACoordinate(0.0, 50.0);
+    e.Start.Station = 0.0;
+    e.End.Station = 50.0;
+    e.Start.Radius = 0.0;
+    e.End.Radius = 1e-11;
+    e.ComplexType = 0;
+    double const offset = std::atan(6.0 * 1e-11 / 50.0);
+    ASSERT_GT(offset, 1e-12);
+    CAxisPointSpec const p = At(e, 0.0);
+    EXPECT_NEAR(p.Azimuth.Double(), offset, 1e-14);
+    EXPECT_GT(p.Coordinate.North().Double(), 1e307);
+    EXPECT_EQ(p.Radius.Double(), 0.0);
+}
+
 TEST(CbcParabolKleinpunkt, ZeroChordGivesHugeOrdinate)
 {
     // End on Start: the chord azimuth is 0 and the ordinate is

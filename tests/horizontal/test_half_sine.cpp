@@ -318,6 +318,16 @@ TEST(HalfSinSigma, ZeroAtTheOriginExactly)
     EXPECT_EQ(Access::Sigma(DBL_MAX, DBL_MAX, 0.0).Double(), 0.0);
 }
 
+TEST(HalfSinSigma, OnlyAnExactZeroDistanceIsZero)
+{
+    // 1e-12 is 0 to the value comparison but not exactly: the first series
+    // term is evaluated. cos(a l) rounds to 1 there, leaving (b / 2) l.
+    double const b = 1.0 / 600.0;
+    double const sigma = Access::Sigma(Pi / 100.0, b, 1e-12).Double();
+    EXPECT_NE(sigma, 0.0);
+    EXPECT_NEAR(sigma, b / 2.0 * 1e-12, 1e-27);
+}
+
 TEST(HalfSinSigma, FirstSeriesTermOverTheDistance)
 {
     // l = L: cos(pi) = -1, so sigma = b/2 (L^2 - 4 L^2 / pi^2) / L.
