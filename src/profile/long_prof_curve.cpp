@@ -10,13 +10,11 @@ namespace {
 
 constexpr int CircleKind = CLongProfCurveSolver::KindCircle;
 constexpr int ParabolaKind = CLongProfCurveSolver::KindParabola;
-
-// Slopes leave the profile operations in percent.
-constexpr double PercentPerGradient = 100.0;
-// Half the parabola's extent is the radius times the change of grade in percent / 200.
-constexpr double HalfExtentDivisor = 200.0;
+// Slopes leave the profile operations in percent; grades are compared in percent.
+constexpr double PercentPerGradient = CLongProfCurveSolver::PercentPerGradient;
+constexpr double HalfExtentDivisor = CLongProfCurveSolver::HalfExtentDivisor;
 // Smallest run or change of grade treated as non-zero.
-constexpr double ZeroTolerance = 1.1754943508222875e-38;  // 2^-126
+constexpr double ZeroTolerance = CLongProfCurveSolver::ZeroTolerance;
 
 bool InitSolver(CLongProfCurveSolver& solver, int kind, CACoordinate const& PI1,
                 CACoordinate const& PI2, CACoordinate const& PI3, CALength const& radius)

@@ -11,11 +11,6 @@ bool IsZero(double v)
     return std::fabs(v) < CLongProfCurveSolver::ZeroTolerance;
 }
 
-// Grades are computed in percent before the parabola's extent is derived.
-constexpr double PercentPerGradient = 100.0;
-// Half the extent of the parabola is R times the change of grade in percent / 200.
-constexpr double HalfExtentDivisor = 200.0;
-
 }  // namespace
 
 bool CLongProfCurveSolver::Init(int kind, double station1, double height1, double station2,

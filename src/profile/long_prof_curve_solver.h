@@ -16,8 +16,14 @@ public:
     static constexpr std::int32_t KindCircle = 1;
     static constexpr std::int32_t KindParabola = 2;
 
-    // Every zero test of the solver: |v| below the smallest normal float.
+    // Every zero test of the profile computations: |v| below the smallest
+    // normal float.
     static constexpr double ZeroTolerance = 1.1754943508222875e-38;  // 2^-126
+    // Grades and slopes in percent are 100 times the gradient.
+    static constexpr double PercentPerGradient = 100.0;
+    // Half the parabola's horizontal extent is the radius times the change of
+    // grade in percent, divided by this.
+    static constexpr double HalfExtentDivisor = 200.0;
 
     CLongProfCurveSolver() = default;
 
