@@ -205,6 +205,35 @@ TEST(LongProfCurve, StationOutsideCurveFailsOutputsUntouched)
     EXPECT_EQ(slope.Double(), Sentinel);
 }
 
+TEST(LongProfCurve, HeightIsKeptWhenTheSlopeFails)
+{
+    // Grade lines almost vertical: up from (0, 0) to (1, G) and down to (2, 0),
+    // radius 1. The crest circle sits in the narrow wedge with its centre on
+    // station 1, at distance 1 from the line through (0, 0) and (1, G):
+    // (G - y) / sqrt(G^2 + 1) = 1, so y = G - sqrt(G^2 + 1), about -1/(2G).
+    // Its end tangent point lies on station 2, a full radius from the centre,
+    // where the circle is vertical: the height there is found, the gradient
+    // is not, and the height already written stays.
+    double const g = 1e8;
+    CACoordinate const pi1(0.0, 0.0), pi2(1.0, g), pi3(2.0, 0.0);
+    CACoordinate start, end, centre;
+    CALength length;
+    ASSERT_TRUE(CMathLongProfCurve::calcPIPointsAndLengthOfCircle(pi1, pi2, pi3, 1.0, start, end,
+                                                                  length, centre));
+    double const centreHeight = g - std::sqrt(g * g + 1.0);
+    EXPECT_NEAR(centre.East().Double(), 1.0, 1e-12);
+    EXPECT_NEAR(centre.North().Double(), centreHeight, 1e-6);
+    ASSERT_EQ(end.East().Double(), 2.0);
+
+    CALength height(Sentinel);
+    CASlope slope(Sentinel);
+    EXPECT_FALSE(CMathLongProfCurve::calcSlopeAndLengthOfCircleAt(pi1, pi2, pi3, 1.0, 2.0, height,
+                                                                  slope));
+    EXPECT_NE(height.Double(), Sentinel);
+    EXPECT_NEAR(height.Double(), centreHeight, 1e-6);
+    EXPECT_EQ(slope.Double(), Sentinel);
+}
+
 TEST(LongProfCurve, LengthBetweenStations)
 {
     CALength length(Sentinel);
