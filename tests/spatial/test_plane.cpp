@@ -135,6 +135,27 @@ TEST(PlaneLine, DegeneratePlaneUsesZeroNormal)
     ExpectSentinel(x);
 }
 
+TEST(PlaneLine, TooSmallTriangleLeavesTheNormalAtZero)
+{
+    // A right triangle with legs of 1e-4 m in the ground plane: its cross
+    // product (0, 0, 1e-8) is shorter than 2^-23, so no normal is computed and
+    // the normal used is the default (0, 0, 0). A vertical line through the
+    // triangle then finds no intersection although it plainly pierces H = 0.
+    CA3DCoordinate n = SentinelPoint();
+    EXPECT_FALSE(CMathPlane::CalculateNormal(P(0, 0, 0), P(1e-4, 0, 0), P(0, 1e-4, 0), &n));
+    ExpectSentinel(n);
+    CA3DCoordinate x = SentinelPoint();
+    EXPECT_EQ(CMathPlane::IntPlaneLine(P(0, 0, 0), P(1e-4, 0, 0), P(0, 1e-4, 0), P(0.2e-4, 0.2e-4, -1),
+                                       P(0.2e-4, 0.2e-4, 1), &x),
+              TIntersectionResult::NoIntersection);
+    ExpectSentinel(x);
+    // Ten times larger legs give a normal of length 1e-6 and the crossing.
+    EXPECT_EQ(CMathPlane::IntPlaneLine(P(0, 0, 0), P(1e-3, 0, 0), P(0, 1e-3, 0), P(0.2e-3, 0.2e-3, -1),
+                                       P(0.2e-3, 0.2e-3, 1), &x),
+              TIntersectionResult::OneIntersection);
+    ExpectPoint(x, 0.2e-3, 0.2e-3, 0.0, 1e-15);
+}
+
 TEST(PlaneLine, DenominatorExactlyAtToleranceIsAccepted)
 {
     // Plane H = 0, direction (0, 0, 2^-23): the denominator equals the
