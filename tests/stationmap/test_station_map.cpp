@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <type_traits>
 #include <vector>
 
 namespace zelmath {
@@ -237,6 +238,19 @@ TEST(StationMapRecords, DefaultsAreStraightAndCircle)
     EXPECT_EQ(other.PI3.North().Double(), 4.0);
 }
 
+TEST(StationMapRecords, SourceInterfaceIsAbstractAndNotDeletedThroughItself)
+{
+    static_assert(std::is_abstract<IStngMap2D3DElements>::value, "three pure operations");
+    static_assert(!std::has_virtual_destructor<IStngMap2D3DElements>::value,
+                  "the caller owns and destroys its map");
+    // The destructor is protected: the library never destroys a caller's map.
+    static_assert(!std::is_destructible<IStngMap2D3DElements>::value, "protected destructor");
+    static_assert(std::is_destructible<CountingMap>::value, "a caller's map is destroyed by its type");
+    CountingMap m = FlatMap();
+    IStngMap2D3DElements* map = &m;
+    EXPECT_EQ(map->GetElementCount(), 3);
+}
+
 TEST(StationMapCurveLength, ParabolaAndCircle)
 {
     SurveyProfile const p;
@@ -439,6 +453,96 @@ TEST(StationToTunnelMetre, CurvedElementOverhangFails)
     EXPECT_TRUE(ToTM(&m, 120.0, 0.0, true, 180.0, tm));
 }
 
+TEST(StationToTunnelMetre, IntervalEndingOrStartingOnACurveEndMeasuresTheCurve)
+{
+    // Sag circle between grades -1 % and +1 % (R = 5000): its full length is
+    // R * 2 atan(0.01). The element claims a Length3D of 999 that does not
+    // match, so it shows whether the element was taken whole or measured.
+    CStngMapCurved3DDef circle;
+    circle.PI1 = CACoordinate(0.0, 10.0);
+    circle.PI2 = CACoordinate(150.0, 8.5);
+    circle.PI3 = CACoordinate(300.0, 10.0);
+    circle.Radius = 5000.0;
+    CACoordinate start, end, centre;
+    CALength length;
+    ASSERT_TRUE(CMathLongProfCurve::calcPIPointsAndLengthOfCircle(circle.PI1, circle.PI2, circle.PI3,
+                                                                  circle.Radius, start, end, length,
+                                                                  centre));
+    double const cs = start.East().Double(), ce = end.East().Double();
+    double const arc = 5000.0 * 2.0 * std::atan(0.01);
+    CountingMap m;
+    m.AddStraight(0.0, cs, cs);
+    m.AddCurve(cs, ce, 999.0, circle);
+    m.AddStraight(ce, 300.0, 300.0 - ce);
+
+    // From before the curve to exactly its end: hi is not beyond the end, so
+    // the curve is measured from its start to hi rather than taken whole.
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 50.0, 0.0, true, ce, tm));
+    EXPECT_NEAR(tm, (cs - 50.0) + arc, 1e-8);
+    EXPECT_EQ(m.curveCalls, (std::vector<int>{1}));
+
+    // From exactly its start to beyond it: lo is on the element, so the curve
+    // is measured from lo to its end.
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, cs, 0.0, true, 250.0, tm));
+    EXPECT_NEAR(tm, arc + (250.0 - ce), 1e-8);
+    EXPECT_EQ(m.curveCalls, (std::vector<int>{1}));
+
+    // Strictly across it the element's own Length3D counts.
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, 50.0, 0.0, true, 250.0, tm));
+    EXPECT_NEAR(tm, (cs - 50.0) + 999.0 + (250.0 - ce), 1e-9);
+    EXPECT_TRUE(m.curveCalls.empty());
+}
+
+TEST(StationToTunnelMetre, StationOnTheMapStartOrEndStillWalksTheMap)
+{
+    CountingMap m;
+    m.AddStraight(1000.0, 1100.0, 100.5);
+    m.AddStraight(1100.0, 1200.0, 101.0);
+    m.AddStraight(1200.0, 1300.0, 102.0);
+    // Ending exactly at the first element's start is not before it: the
+    // stretch up to it counts one to one and the elements are walked.
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 900.0, 0.0, true, 1000.0, tm));
+    EXPECT_EQ(tm, 100.0);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 1, 2}));
+    EXPECT_EQ(m.countCalls, 1 + 4);
+    // Just before it, both stations are before the map and nothing is walked.
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, 900.0, 0.0, true, 999.5, tm));
+    EXPECT_EQ(tm, 99.5);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2}));
+
+    // Starting exactly at the last element's end is not beyond it either.
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, 1300.0, 0.0, true, 1400.0, tm));
+    EXPECT_EQ(tm, 100.0);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 1, 2}));
+    m.ResetCounts();
+    ASSERT_TRUE(ToTM(&m, 1300.5, 0.0, true, 1400.0, tm));
+    EXPECT_EQ(tm, 99.5);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2}));
+}
+
+TEST(StationToTunnelMetre, StationAtReferenceCountsAsBehindIt)
+{
+    // A station equal to the reference takes the lower branch (sign -1) with
+    // nothing covered. The only trace of that sign is the sign of a zero:
+    // -0 + (-1 * 0) stays -0 in the same direction, while -0 - (-1 * 0)
+    // becomes +0 in the opposite one (with sign +1 it would be the other way
+    // round).
+    CountingMap m = FlatMap();
+    double tm = Sentinel;
+    ASSERT_TRUE(ToTM(&m, 150.0, -0.0, true, 150.0, tm));
+    EXPECT_EQ(tm, 0.0);
+    EXPECT_TRUE(std::signbit(tm));
+    ASSERT_TRUE(ToTM(&m, 150.0, -0.0, false, 150.0, tm));
+    EXPECT_EQ(tm, 0.0);
+    EXPECT_FALSE(std::signbit(tm));
+}
+
 TEST(StationToTunnelMetre, RefusedElementOrCurveFails)
 {
     SurveyProfile const p;
@@ -606,6 +710,64 @@ TEST(TunnelMetreToStation, ReferenceInGapFails)
     double st = Sentinel;
     EXPECT_FALSE(ToStation(&m, 105.0, 0.0, true, 20.0, st));
     EXPECT_EQ(st, Sentinel);
+}
+
+TEST(TunnelMetreToStation, ReferenceAtAJointBelongsToTheEarlierElement)
+{
+    CountingMap m = FlatMap();
+    m.elements[1].Length3D = 110.0;
+    double st = Sentinel;
+    // Station 100 ends element 0 and starts element 1; the search stops at
+    // element 0. Forward, nothing of it lies after the reference, and 55 of
+    // the 110 tunnel metres of element 1 are 50 m.
+    ASSERT_TRUE(ToStation(&m, 100.0, 0.0, true, 55.0, st));
+    EXPECT_NEAR(st, 150.0, 1e-12);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 0, 1}));
+    // Backward the whole of element 0 lies before the reference.
+    m.ResetCounts();
+    ASSERT_TRUE(ToStation(&m, 100.0, 0.0, true, -50.0, st));
+    EXPECT_NEAR(st, 50.0, 1e-12);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2, 0, 0}));
+}
+
+TEST(TunnelMetreToStation, ReferenceBeyondMapTargetExactlyAtItsEnd)
+{
+    // 50 back from 350 reaches the map's end at 300 exactly: still one to one,
+    // without walking.
+    CountingMap m = FlatMap();
+    m.elements[2].Length3D = 110.0;
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&m, 350.0, 0.0, true, -50.0, st));
+    EXPECT_EQ(st, 300.0);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 2}));
+    EXPECT_EQ(m.countCalls, 1);
+}
+
+TEST(TunnelMetreToStation, NothingLeftAfterReachingTheMapFails)
+{
+    // Reference at -1, first element starting at 1.5e-16, target 1 + 2^-52
+    // tunnel metres ahead. In doubles -1 + (1 + 2^-52) = 2^-52 lies beyond
+    // the map's start, but the distance to it, 1.5e-16 - (-1), rounds up to
+    // 1 + 2^-52 as well, so nothing is left once the map is reached. The walk
+    // passes every element with nothing to cover and runs off the map empty.
+    double const ahead = 1.0 + std::ldexp(1.0, -52);
+    ASSERT_EQ(1.5e-16 - (-1.0), ahead);
+    ASSERT_GT(-1.0 + ahead, 1.5e-16);
+    CountingMap m;
+    m.AddStraight(1.5e-16, 100.0, 100.0);
+    m.AddStraight(100.0, 200.0, 100.0);
+    double st = Sentinel;
+    EXPECT_FALSE(ToStation(&m, -1.0, 0.0, true, ahead, st));
+    EXPECT_EQ(st, Sentinel);
+    EXPECT_EQ(m.elementCalls, (std::vector<int>{0, 1, 0, 1}));
+
+    // The mirror image behind a map that ends at -1.5e-16.
+    CountingMap b;
+    b.AddStraight(-200.0, -100.0, 100.0);
+    b.AddStraight(-100.0, -1.5e-16, 100.0);
+    EXPECT_FALSE(ToStation(&b, 1.0, 0.0, true, -ahead, st));
+    EXPECT_EQ(st, Sentinel);
+    EXPECT_EQ(b.elementCalls, (std::vector<int>{0, 1, 1, 0}));
 }
 
 TEST(TunnelMetreToStation, RefusedElementOrCurveFails)
@@ -804,6 +966,37 @@ struct SteepParabola {
         }
         return limit + 1;
     }
+
+    // The same walk, also reporting the two last errors |L - rest|: that of
+    // the last evaluation that missed the tolerance and that of the one that
+    // met it.
+    struct Trace {
+        int evaluations = 0;  // 0: a guess left the curve; limit + 1: not met
+        double lastMiss = 0.0;
+        double hit = 0.0;
+    };
+    Trace Follow(double target, int limit) const
+    {
+        Trace trace;
+        double const base = x2 - t, end = x2 + t;
+        double const rest = Arc(base, target);
+        double s = std::min(base + rest, end);
+        for (int n = 1; n <= limit; ++n) {
+            if (s < base || s > end) {
+                return trace;
+            }
+            double const l = Arc(base, s);
+            if (std::fabs(l - rest) < 1e-4) {
+                trace.evaluations = n;
+                trace.hit = std::fabs(l - rest);
+                return trace;
+            }
+            trace.lastMiss = std::fabs(l - rest);
+            s -= l - rest;
+        }
+        trace.evaluations = limit + 1;
+        return trace;
+    }
 };
 
 }  // namespace
@@ -856,4 +1049,44 @@ TEST(TunnelMetreToStation, ReferenceOnCurveFetchesItsCurveForBothSteps)
     ASSERT_TRUE(ToStation(&m, p.xA + 20.0, 0.0, true, -(p.TM(p.xA + 20.0) - p.TM(p.xA)), st));
     EXPECT_NEAR(st, p.xA, 1e-4);
     EXPECT_EQ(m.curveCalls, (std::vector<int>{1, 1}));
+}
+
+TEST(TunnelMetreToStation, CurveIterationEvaluatesAtMost3001CurveLengths)
+{
+    // Gradients 1.726 .. 1.7285 (extent 20 m): near station 101 the iteration
+    // needs about 3000 curve lengths, one more for every 2 cm of target. Pick
+    // targets whose 3001st, and whose 3002nd, evaluation is the first to meet
+    // the tolerance, with the errors clear of the tolerance on both sides so
+    // that rounding cannot move the step at which it is met.
+    SteepParabola p(1.726, 1.7285);
+    ASSERT_NEAR(p.t, 10.0, 1e-9);
+    double const tolerance = 1e-4;
+    double const clearance = 2e-8;
+    double target3001 = 0.0, target3002 = 0.0;
+    for (int k = 0; k <= 1000 && (target3001 == 0.0 || target3002 == 0.0); ++k) {
+        double const target = 101.0 + 0.001 * k;
+        SteepParabola::Trace const trace = p.Follow(target, 4000);
+        if (trace.lastMiss < tolerance + clearance || trace.hit > tolerance - clearance) {
+            continue;
+        }
+        if (trace.evaluations == 3001 && target3001 == 0.0) {
+            target3001 = target;
+        }
+        if (trace.evaluations == 3002 && target3002 == 0.0) {
+            target3002 = target;
+        }
+    }
+    ASSERT_NE(target3001, 0.0);
+    ASSERT_NE(target3002, 0.0);
+
+    double const lead = p.map.elements[0].Length3D.Double();
+    double st = Sentinel;
+    ASSERT_TRUE(ToStation(&p.map, 0.0, 0.0, true, lead + p.Arc(p.x2 - p.t, target3001), st))
+        << target3001;
+    EXPECT_NEAR(st, target3001, 1e-4);
+
+    st = Sentinel;
+    EXPECT_FALSE(ToStation(&p.map, 0.0, 0.0, true, lead + p.Arc(p.x2 - p.t, target3002), st))
+        << target3002;
+    EXPECT_EQ(st, Sentinel);
 }
