@@ -322,3 +322,169 @@ TEST(ClothoidElement, StationsOutsideTheElementContinueTheClothoid)
         }
     }
 }
+
+namespace {
+
+// Chord length, chord angle and tangent angle of the four-term series point at
+// arc length s from the origin of a clothoid of parameter A.
+void SeriesChord(double A, double s, double* chord, double* chordAngle, double* tau)
+{
+    double x = 0.0;
+    double y = 0.0;
+    FresnelSeries4(s / A, &x, &y);
+    *chord = A * std::hypot(x, y);
+    *chordAngle = std::atan(y / x);
+    *tau = s * s / (2.0 * A * A);
+}
+
+// Two curved ends of equal radius 500 m (A = 300 m, so both ends lie 180 m
+// from the origin): the angle at the origin is 0, both construction lines run
+// along the chord, due North, and the origin is left at (0, 0).
+CAxisComplexSpec EqualRadiiRecord(int type, double radius, CACoordinate const& cs, CACoordinate const& ce)
+{
+    CAxisComplexSpec spec;
+    spec.Parameter = 300.0;
+    spec.Start.Station = 1000.0;
+    spec.End.Station = 1060.0;
+    spec.Start.Radius = radius;
+    spec.End.Radius = radius;
+    spec.Start.Coordinate = cs;
+    spec.End.Coordinate = ce;
+    spec.ComplexType = type;
+    return spec;
+}
+
+}  // namespace
+
+TEST(ClothoidElement, CurvedEndShapesTakeTheOriginTangentFromTheChordToTheNearerEnd)
+{
+    // With the origin left at (0, 0) the two chords no longer agree, so the
+    // chord the origin tangent is taken from shows: with the radius shrinking
+    // it is the chord from the origin to the start, with the radius growing the
+    // one from the end to the origin. The point at the station of that end then
+    // lies on the chord, at the series' chord length from the origin.
+    double chord = 0.0;
+    double alpha = 0.0;
+    double tau = 0.0;
+    SeriesChord(300.0, 180.0, &chord, &alpha, &tau);
+
+    for (double radius : {500.0, -500.0}) {
+        double const bend = radius > 0.0 ? 1.0 : -1.0;
+
+        // Radius shrinking, origin before the start (south of it).
+        CAxisComplexSpec spec =
+            EqualRadiiRecord(2, radius, CACoordinate(3.0, 180.0), CACoordinate(3.0, 240.0));
+        CACoordinate o = Access::GetUrsprung(spec);
+        ASSERT_EQ(o.East().Double(), 0.0);
+        ASSERT_EQ(o.North().Double(), 0.0);
+        double phi = std::atan2(3.0, 180.0);  // origin to start
+        CAxisPointSpec p;
+        CMathClothoid::Kleinpunkt(spec, spec.Start.Station, &p);
+        EXPECT_NEAR(p.Coordinate.East().Double(), chord * std::sin(phi), 1e-9) << "radius " << radius;
+        EXPECT_NEAR(p.Coordinate.North().Double(), chord * std::cos(phi), 1e-9) << "radius " << radius;
+        EXPECT_NEAR(WrapAngle(p.Azimuth.Double() - (phi - bend * alpha + bend * tau)), 0.0, 1e-12);
+        EXPECT_EQ(p.Radius.Double(), radius);
+
+        // Radius growing, origin beyond the end (north of it).
+        spec = EqualRadiiRecord(3, radius, CACoordinate(3.0, -240.0), CACoordinate(3.0, -180.0));
+        o = Access::GetUrsprung(spec);
+        ASSERT_EQ(o.East().Double(), 0.0);
+        ASSERT_EQ(o.North().Double(), 0.0);
+        phi = std::atan2(-3.0, 180.0);  // end to origin
+        CMathClothoid::Kleinpunkt(spec, spec.End.Station, &p);
+        EXPECT_NEAR(p.Coordinate.East().Double(), -chord * std::sin(phi), 1e-9) << "radius " << radius;
+        EXPECT_NEAR(p.Coordinate.North().Double(), -chord * std::cos(phi), 1e-9) << "radius " << radius;
+        EXPECT_NEAR(WrapAngle(p.Azimuth.Double() - (phi + bend * alpha - bend * tau)), 0.0, 1e-12);
+        EXPECT_NEAR(p.Radius.Double(), radius, 1e-9);
+    }
+}
+
+TEST(ClothoidElement, NearZeroArcLengthPlacesTheOriginButStillGivesTheRadius)
+{
+    // 5e-11 m from the origin counts as the origin for the point and its
+    // tangent (value comparison), but the radius A^2 / s is computed for any
+    // arc length that is not exactly 0.
+    double const tiny = 5e-11;
+    for (double c : {1.0, -1.0}) {
+        // Straight at the start: the origin is the start point.
+        Element const e0 = MakeElement(0, c, 300.0, 300.0, 120.0, CACoordinate(12.5, -7.25), 0.8, 0.0, false);
+        CAxisComplexSpec const spec0 = e0.Spec();
+        ASSERT_EQ(spec0.ComplexType, 0);
+        CAxisPointSpec atOrigin;
+        CMathClothoid::Kleinpunkt(spec0, 0.0, &atOrigin);
+        CAxisPointSpec p;
+        CMathClothoid::Kleinpunkt(spec0, tiny, &p);
+        EXPECT_EQ(p.Station.Double(), tiny);
+        EXPECT_EQ(p.Coordinate.East().Double(), spec0.Start.Coordinate.East().Double());
+        EXPECT_EQ(p.Coordinate.North().Double(), spec0.Start.Coordinate.North().Double());
+        EXPECT_EQ(p.Azimuth.Double(), atOrigin.Azimuth.Double());
+        double const a2 = 300.0 * 120.0;
+        EXPECT_NEAR(p.Radius.Double(), c * a2 / tiny, 1e-9 * a2 / tiny);
+
+        // Straight at the end: the origin is the end point.
+        Element const e1 = MakeElement(1, c, 300.0, 300.0, 120.0, CACoordinate(12.5, -7.25), 0.8, 0.0, false);
+        CAxisComplexSpec const spec1 = e1.Spec();
+        ASSERT_EQ(spec1.ComplexType, 1);
+        double const station = 120.0 - tiny;
+        double const s = 120.0 - station;  // the arc length back from the end, as a double
+        ASSERT_NE(s, 0.0);
+        CMathClothoid::Kleinpunkt(spec1, 120.0, &atOrigin);
+        CMathClothoid::Kleinpunkt(spec1, station, &p);
+        EXPECT_EQ(p.Coordinate.East().Double(), spec1.End.Coordinate.East().Double());
+        EXPECT_EQ(p.Coordinate.North().Double(), spec1.End.Coordinate.North().Double());
+        EXPECT_EQ(p.Azimuth.Double(), atOrigin.Azimuth.Double());
+        // Not the start radius that the origin itself reports.
+        EXPECT_NEAR(p.Radius.Double(), c * a2 / s, 1e-9 * a2 / s);
+    }
+}
+
+TEST(ClothoidElement, BendingDirectionTestsCarryTheValueTolerance)
+{
+    // A radius of 5e-11 m on the tested end is not "greater than 0" for the
+    // value comparison: the element bends left and reports negative radii;
+    // 2e-10 m is greater than 0 and the element bends right.
+    for (double small : {5e-11, 2e-10}) {
+        double const sign = small > zellib::CAValue::Tolerance ? 1.0 : -1.0;
+        for (int type = 0; type <= 3; ++type) {
+            CAxisComplexSpec spec;
+            spec.Parameter = 200.0;
+            spec.Start.Station = 0.0;
+            spec.End.Station = 100.0;
+            spec.Start.Coordinate = CACoordinate(0.0, 0.0);
+            spec.End.Coordinate = CACoordinate(10.0, 99.0);
+            spec.ComplexType = type;
+            // The tested end: End for types 0 and 2, Start for types 1 and 3.
+            // The other end is straight (types 0, 1) or has radius 800 m
+            // (arc length 50 m from the origin).
+            double expected = 0.0;
+            CALength station;
+            switch (type) {
+            case 0:
+                spec.End.Radius = small;
+                station = 50.0;  // 50 m from the origin
+                expected = 40000.0 / 50.0;
+                break;
+            case 1:
+                spec.Start.Radius = small;
+                station = 50.0;  // 50 m back from the origin at the end
+                expected = 40000.0 / 50.0;
+                break;
+            case 2:
+                spec.Start.Radius = 800.0;
+                spec.End.Radius = small;
+                station = 50.0;  // 50 + 50 m from the origin
+                expected = 40000.0 / 100.0;
+                break;
+            default:
+                spec.Start.Radius = small;
+                spec.End.Radius = 800.0;
+                station = 50.0;  // 50 + 50 m back from the origin
+                expected = 40000.0 / 100.0;
+                break;
+            }
+            CAxisPointSpec p;
+            CMathClothoid::Kleinpunkt(spec, station, &p);
+            EXPECT_NEAR(p.Radius.Double(), sign * expected, 1e-9 * expected) << "type " << type << " " << small;
+        }
+    }
+}

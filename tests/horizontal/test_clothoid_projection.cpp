@@ -18,6 +18,7 @@ struct CMathClothoidTestAccess {
     {
         return CMathClothoid::Iterate(spec, start, point, foot);
     }
+    static CACoordinate GetUrsprung(CAxisComplexSpec const& spec) { return CMathClothoid::GetUrsprung(spec); }
 };
 }  // namespace zelmath
 
@@ -454,6 +455,161 @@ TEST(ClothoidProjection, NonFiniteAndHugeInputEndsTheSearch)
             check(s, inside);
             int const r = Access::Iterate(good, bad, inside, &foot);
             EXPECT_TRUE(r == 0 || r == 3);
+        }
+    }
+}
+
+namespace {
+
+CACoordinate Direction(double azimuth) { return CACoordinate(std::sin(azimuth), std::cos(azimuth)); }
+CACoordinate LeftOf(double azimuth) { return CACoordinate(-std::cos(azimuth), std::sin(azimuth)); }
+
+// Two curved ends of equal radius 500 m (A = 300 m, both ends 180 m from the
+// origin): the construction lines of the origin run along the chord, due
+// North, and the origin is left at (0, 0), so the chord from the origin to the
+// start and the one to the end give different origin tangents.
+CAxisComplexSpec EqualRadiiRecord(int type, double radius, CACoordinate const& cs, CACoordinate const& ce)
+{
+    CAxisComplexSpec spec;
+    spec.Parameter = 300.0;
+    spec.Start.Station = 1000.0;
+    spec.End.Station = 1060.0;
+    spec.Start.Radius = radius;
+    spec.End.Radius = radius;
+    spec.Start.Coordinate = cs;
+    spec.End.Coordinate = ce;
+    spec.ComplexType = type;
+    return spec;
+}
+
+}  // namespace
+
+TEST(ClothoidProjection, CurvedEndShapesTakeTheEndTangentsFromTheirOwnChord)
+{
+    // Chord angle and tangent angle of the series point 180 m from the origin.
+    double x = 0.0;
+    double y = 0.0;
+    FresnelSeries4(180.0 / 300.0, &x, &y);
+    double const alpha = std::atan(y / x);
+    double const tau = 180.0 * 180.0 / (2.0 * 300.0 * 300.0);
+
+    for (double radius : {500.0, -500.0}) {
+        double const bend = radius > 0.0 ? 1.0 : -1.0;
+
+        // Radius shrinking: the end tangent from the chord origin -> end, not
+        // from origin -> start as the point at a station has it.
+        {
+            CAxisComplexSpec const spec =
+                EqualRadiiRecord(2, radius, CACoordinate(3.0, 180.0), CACoordinate(3.0, 240.0));
+            CACoordinate const o = Access::GetUrsprung(spec);
+            ASSERT_EQ(o.East().Double(), 0.0);
+            ASSERT_EQ(o.North().Double(), 0.0);
+            double const thetaEnd = std::atan2(3.0, 240.0) - bend * alpha + bend * tau;
+            double const otherEnd = std::atan2(3.0, 180.0) - bend * alpha + bend * tau;
+            double const diff = thetaEnd - otherEnd;
+            ASSERT_GT(std::fabs(diff), 0.004);
+            // 3 mm beyond the end along its tangent, and 2 m to the side so
+            // that along the other tangent the point lies before the end.
+            double const h = diff > 0.0 ? -2.0 : 2.0;
+            CACoordinate const p = Add(Add(spec.End.Coordinate, Direction(thetaEnd), 0.003), LeftOf(thetaEnd), h);
+            ASSERT_LT(Dot(Diff(p, spec.End.Coordinate), Direction(otherEnd)), -0.001);
+            CAxisPointSpec foot;
+            EXPECT_EQ(CMathClothoid::Lot(spec, p, &foot), TPointMathResult::BeyondEnd) << "radius " << radius;
+            CAxisPointSpec atEnd;
+            CMathClothoid::Kleinpunkt(spec, spec.End.Station, &atEnd);
+            EXPECT_TRUE(SameFoot(foot, atEnd));
+        }
+
+        // Radius growing: the start tangent from the chord origin -> start
+        // (held pointing backwards), not from end -> origin.
+        {
+            CAxisComplexSpec const spec =
+                EqualRadiiRecord(3, radius, CACoordinate(3.0, -240.0), CACoordinate(3.0, -180.0));
+            CACoordinate const o = Access::GetUrsprung(spec);
+            ASSERT_EQ(o.East().Double(), 0.0);
+            ASSERT_EQ(o.North().Double(), 0.0);
+            double const backwards = std::atan2(3.0, -240.0) + bend * alpha - bend * tau;
+            double const forwards = backwards + Pi;
+            double const otherForwards = std::atan2(-3.0, 180.0) + bend * alpha - bend * tau;
+            double const diff = WrapAngle(forwards - otherForwards);
+            ASSERT_GT(std::fabs(diff), 0.004);
+            double const h = diff > 0.0 ? 2.0 : -2.0;
+            CACoordinate const p =
+                Add(Add(spec.Start.Coordinate, Direction(forwards), -0.003), LeftOf(forwards), h);
+            ASSERT_GT(Dot(Diff(p, spec.Start.Coordinate), Direction(otherForwards)), 0.001);
+            CAxisPointSpec foot;
+            EXPECT_EQ(CMathClothoid::Lot(spec, p, &foot), TPointMathResult::BeforeStart) << "radius " << radius;
+            CAxisPointSpec atStart;
+            CMathClothoid::Kleinpunkt(spec, spec.Start.Station, &atStart);
+            EXPECT_TRUE(SameFoot(foot, atStart));
+        }
+    }
+}
+
+TEST(ClothoidProjection, EndTestsCarryTheValueTolerance)
+{
+    // 0.5 mm plus 5e-11 m outside is not more than 0.5 mm for the value
+    // comparison (the point is searched and, 0.6 mm past the clamp, not
+    // found); 0.5 mm plus 2e-10 m is.
+    for (int type = 0; type <= 3; ++type) {
+        for (double c : {1.0, -1.0}) {
+            Element const e = MakeElement(type, c, 300.0, 800.0, 80.0, CACoordinate(-30.0, 40.0), 0.4, 100.0, false);
+            CAxisComplexSpec const spec = e.Spec();
+            CAxisPointSpec foot;
+
+            CACoordinate p = Add(e.track.Point(e.L), e.track.TangentVector(e.L), 0.0005 + 5e-11);
+            EXPECT_EQ(CMathClothoid::Lot(spec, p, &foot), TPointMathResult::NoSolution) << "type " << type;
+            p = Add(e.track.Point(e.L), e.track.TangentVector(e.L), 0.0005 + 2e-10);
+            EXPECT_EQ(CMathClothoid::Lot(spec, p, &foot), TPointMathResult::BeyondEnd) << "type " << type;
+
+            p = Add(e.track.Point(0.0), e.track.TangentVector(0.0), -(0.0005 + 5e-11));
+            EXPECT_EQ(CMathClothoid::Lot(spec, p, &foot), TPointMathResult::NoSolution) << "type " << type;
+            p = Add(e.track.Point(0.0), e.track.TangentVector(0.0), -(0.0005 + 2e-10));
+            EXPECT_EQ(CMathClothoid::Lot(spec, p, &foot), TPointMathResult::BeforeStart) << "type " << type;
+        }
+    }
+}
+
+TEST(ClothoidProjection, StationClampCarriesTheValueTolerance)
+{
+    // A trial station 5e-11 m inside an end counts as at the end and is moved
+    // 0.1 mm inside; a point on the normal there is then found at once.
+    for (int type = 0; type <= 3; ++type) {
+        Element const e = MakeElement(type, 1.0, 300.0, 800.0, 80.0, CACoordinate(-30.0, 40.0), 0.4, 100.0, false);
+        CAxisComplexSpec const spec = e.Spec();
+        CAxisPointSpec foot;
+
+        CACoordinate p = Add(e.track.Point(0.0), e.track.LeftNormal(0.0), 5.0);
+        EXPECT_EQ(Access::Iterate(spec, 100.0 + 5e-11, p, &foot), TPointMathResult::OnElement);
+        EXPECT_EQ(foot.Station.Double(), (CALength(100.0) + CALength(0.0001)).Double()) << "type " << type;
+
+        p = Add(e.track.Point(e.L), e.track.LeftNormal(e.L), 5.0);
+        EXPECT_EQ(Access::Iterate(spec, 180.0 - 5e-11, p, &foot), TPointMathResult::OnElement);
+        EXPECT_EQ(foot.Station.Double(), (CALength(180.0) - CALength(0.0001)).Double()) << "type " << type;
+    }
+}
+
+TEST(ClothoidProjection, OffsetLimitCarriesTheValueTolerance)
+{
+    // Exactly on the normal of the trial station: 2000 m plus 5e-11 m to the
+    // side is not more than 2000 m for the value comparison, and the first
+    // step, with no distance along the tangent, ends the search; 2000 m plus
+    // 2e-10 m has no foot.
+    for (int type = 0; type <= 3; ++type) {
+        for (double side : {1.0, -1.0}) {
+            Element const e = MakeElement(type, 1.0, 300.0, 800.0, 80.0, CACoordinate(-3.0, 4.0), 2.0, 0.0, false);
+            CAxisComplexSpec const spec = e.Spec();
+            CAxisPointSpec at;
+            CMathClothoid::Kleinpunkt(spec, 40.0, &at);
+            double const az = at.Azimuth.Double();
+            CAxisPointSpec foot;
+
+            CACoordinate p = Add(at.Coordinate, LeftOf(az), side * (2000.0 + 5e-11));
+            EXPECT_EQ(Access::Iterate(spec, 40.0, p, &foot), TPointMathResult::OnElement) << "type " << type;
+            EXPECT_EQ(foot.Station.Double(), 40.0);
+            p = Add(at.Coordinate, LeftOf(az), side * (2000.0 + 2e-10));
+            EXPECT_EQ(Access::Iterate(spec, 40.0, p, &foot), TPointMathResult::NoSolution) << "type " << type;
+            EXPECT_EQ(foot.Station.Double(), 40.0);
         }
     }
 }

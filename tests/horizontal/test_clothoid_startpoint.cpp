@@ -263,3 +263,102 @@ TEST(ClothoidStartPoint, NonFiniteInputNeverLoops)
     }
     EXPECT_EQ(calls, 8 * 6 * 5 * 4);
 }
+
+TEST(ClothoidStartPoint, ClassifyRadiiComparesExactly)
+{
+    // A radius of 1e-12 m is no straight end, and 5e-11 m more in magnitude
+    // already makes the curvature grow.
+    EXPECT_EQ(Access::ClassifyRadii(300.0, 1e-12), 2);
+    EXPECT_EQ(Access::ClassifyRadii(300.0 + 5e-11, 300.0), 2);
+    EXPECT_EQ(Access::ClassifyRadii(-300.0 - 5e-11, -300.0), 2);
+    EXPECT_EQ(Access::ClassifyRadii(300.0, 300.0 + 5e-11), 3);
+    EXPECT_EQ(Access::ClassifyRadii(-1e-300, 0.0), 1);
+}
+
+TEST(ClothoidStartPoint, RadiiDifferingByLessThanTheToleranceAreATransition)
+{
+    // R1 and R2 are compared exactly: 300 m into 300 m + 5e-11 m is laid out
+    // (on an enormously long virtual clothoid), not refused as an arc.
+    Out o;
+    EXPECT_TRUE(CMathClothoid::Kleinpunkt(CACoordinate(0.0, 0.0), CAAzimuth(0.0), 300.0, 300.0 + 5e-11, 90.0, 45.0,
+                                          o.point, o.azimuth, o.radius));
+    EXPECT_NEAR(o.radius.Double(), 300.0, 1e-6);
+
+    // A straight start into a radius of 5e-11 m is no straight either.
+    o = Out{};
+    EXPECT_TRUE(CMathClothoid::Kleinpunkt(CACoordinate(0.0, 0.0), CAAzimuth(0.0), 0.0, 5e-11, 90.0, 45.0, o.point,
+                                          o.azimuth, o.radius));
+}
+
+TEST(ClothoidStartPoint, RangeChecksCarryTheValueTolerance)
+{
+    CACoordinate const c0(10.0, 20.0);
+    double const a2 = 400.0 * 90.0;  // straight into 400 m over 90 m
+
+    // A length of 5e-11 m is not greater than 0: refused even at distance 0.
+    Out o;
+    EXPECT_FALSE(
+        CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), 0.0, 400.0, 5e-11, 0.0, o.point, o.azimuth, o.radius));
+    ExpectAtStart(o, c0, 2.0, 0.0);
+
+    // 5e-11 m past the end is not beyond it.
+    double d = 90.0 + 5e-11;
+    o = Out{};
+    EXPECT_TRUE(CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), 0.0, 400.0, 90.0, d, o.point, o.azimuth, o.radius));
+    EXPECT_NEAR(o.radius.Double(), a2 / d, 1e-9 * a2 / d);
+
+    // 5e-11 m before the start is not before it; the radius A^2 / d then
+    // comes out negative although the curve bends right.
+    d = -5e-11;
+    o = Out{};
+    EXPECT_TRUE(CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), 0.0, 400.0, 90.0, d, o.point, o.azimuth, o.radius));
+    EXPECT_NEAR(o.radius.Double(), a2 / d, 1e-9 * a2 / std::fabs(d));
+
+    // Only a distance of exactly 0 returns the start: 5e-11 m is computed.
+    d = 5e-11;
+    o = Out{};
+    EXPECT_TRUE(CMathClothoid::Kleinpunkt(c0, CAAzimuth(2.0), 0.0, 400.0, 90.0, d, o.point, o.azimuth, o.radius));
+    EXPECT_NEAR(o.radius.Double(), a2 / d, 1e-9 * a2 / d);
+}
+
+TEST(ClothoidStartPoint, StraightEndReachedExactlyHasNoCurvature)
+{
+    // Curve of 300 m into a straight over 90 m (A^2 = 27000).
+    CACoordinate const c0(10.0, 20.0);
+    for (double r1 : {300.0, -300.0}) {
+        Out o;
+        ASSERT_TRUE(
+            CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.7), r1, 0.0, 90.0, 90.0, o.point, o.azimuth, o.radius));
+        EXPECT_EQ(o.radius.Double(), 0.0);
+
+        // 5e-11 m past the end passes the range check, and L - d is then not
+        // exactly 0: the radius is A^2 / (L - d), huge and of the other sign.
+        double const d = 90.0 + 5e-11;
+        double const rest = 90.0 - d;
+        ASSERT_NE(rest, 0.0);
+        o = Out{};
+        ASSERT_TRUE(CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.7), r1, 0.0, 90.0, d, o.point, o.azimuth, o.radius));
+        double const expected = (r1 > 0.0 ? 1.0 : -1.0) * 27000.0 / rest;
+        EXPECT_NEAR(o.radius.Double(), expected, 1e-9 * std::fabs(expected));
+    }
+}
+
+TEST(ClothoidStartPoint, BendingTestsCarryTheValueTolerance)
+{
+    // A curved end of 5e-11 m radius is not greater than 0 for the value
+    // comparison: the piece bends left (negative radius); one of 2e-10 m
+    // bends right. Over 90 m, A^2 = 90 * r, and at d = 45 the radius is
+    // A^2 / 45 = 2 r either way, counted from the start or back from the end.
+    for (double r : {5e-11, 2e-10}) {
+        double const sign = r > zellib::CAValue::Tolerance ? 1.0 : -1.0;
+        Out o;
+        ASSERT_TRUE(CMathClothoid::Kleinpunkt(CACoordinate(0.0, 0.0), CAAzimuth(0.0), 0.0, r, 90.0, 45.0, o.point,
+                                              o.azimuth, o.radius));
+        EXPECT_NEAR(o.radius.Double(), sign * 2.0 * r, 1e-9 * r) << "straight start, r " << r;
+
+        o = Out{};
+        ASSERT_TRUE(CMathClothoid::Kleinpunkt(CACoordinate(0.0, 0.0), CAAzimuth(0.0), r, 0.0, 90.0, 45.0, o.point,
+                                              o.azimuth, o.radius));
+        EXPECT_NEAR(o.radius.Double(), sign * 2.0 * r, 1e-9 * r) << "straight end, r " << r;
+    }
+}
