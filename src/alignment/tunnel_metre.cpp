@@ -13,7 +13,7 @@ using zelmath::CStngMap2D3DElement;
 using zelmath::CStngMapCurved3DDef;
 
 // Immutable after construction, so the mapping may read it from many threads.
-class TunnelMetreMap::Source : public zelmath::IStngMap2D3DElements {
+class TunnelMetreMap::Source final : public zelmath::IStngMap2D3DElements {
 public:
     Source() = default;
     explicit Source(VerticalProfile const& profile)
