@@ -11,8 +11,8 @@ namespace zelmath {
 // of the second.
 class ZELMATH_EXPORT CMathLine {
 public:
-    // Distance along the second line's azimuth at which the azimuth form of
-    // IntLineLine places the second point of each line (metres).
+    // Distance along each line's azimuth at which the azimuth form of
+    // IntLineLine places the line's second point (metres).
     static constexpr double AzimuthLinePointDistance = 200.0;
 
     // Largest distance (metres) between a point and its foot on a segment for

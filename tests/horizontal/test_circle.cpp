@@ -52,6 +52,20 @@ TEST(CircleCenter, CoincidentEndsGiveTheStart)
     EXPECT_EQ(c0.North().Double(), 4.0);
 }
 
+TEST(CircleCenter, HalfChordWithinTheToleranceOfZeroGivesTheStart)
+{
+    // End points 1e-10 m apart: the half chord of 5e-11 m counts as zero and
+    // the centre is the start itself, not a point 5 m to the side.
+    CACoordinate const c = CMathCircle::Center(CACoordinate(2.0, 3.0), CACoordinate(2.0, 3.0 + 1e-10), CALength(5.0));
+    EXPECT_EQ(c.East().Double(), 2.0);
+    EXPECT_EQ(c.North().Double(), 3.0);
+    // 4e-10 m apart: a true centre, 5 m right of the chord due North.
+    CACoordinate const c2 =
+        CMathCircle::Center(CACoordinate(2.0, 3.0), CACoordinate(2.0, 3.0 + 4e-10), CALength(5.0));
+    EXPECT_NEAR(c2.East().Double(), 7.0, 1e-9);
+    EXPECT_NEAR(c2.North().Double(), 3.0, 1e-9);
+}
+
 TEST(CircleCenter, ChordDueNorth)
 {
     CACoordinate const P1(0.0, 0.0);
@@ -183,6 +197,22 @@ TEST(CircleKleinpunkt, ZeroRadius)
     EXPECT_TRUE(std::isnan(out.Coordinate.North().Double()));
 }
 
+TEST(CircleKleinpunkt, RadiusWithinTheToleranceOfZeroTurnsRight)
+{
+    // Coincident ends and a radius of -5e-11: the radius is not below 0 by more
+    // than the comparison tolerance, so the tangent is the zero vector's
+    // azimuth (0) plus pi/2, as for a right-turning arc.
+    CAxisPointSpec out;
+    CMathCircle::Kleinpunkt(CACoordinate(3.0, 4.0), CACoordinate(3.0, 4.0), CALength(-5e-11), CALength(1.0), &out);
+    EXPECT_EQ(out.Coordinate.East().Double(), 3.0);
+    EXPECT_EQ(out.Coordinate.North().Double(), 4.0);
+    EXPECT_EQ(out.Azimuth.Double(), kPi / 2.0);
+    EXPECT_EQ(out.Radius.Double(), -5e-11);
+    // -2e-10 is below 0: minus pi/2.
+    CMathCircle::Kleinpunkt(CACoordinate(3.0, 4.0), CACoordinate(3.0, 4.0), CALength(-2e-10), CALength(1.0), &out);
+    EXPECT_NEAR(out.Azimuth.Double(), 3.0 * kPi / 2.0, 1e-15);
+}
+
 // A quarter circle of radius 10 about the origin that crosses North: right-turning
 // from (-10, 0) (azimuth 3pi/2 from the centre) to (0, 10) (azimuth 0).
 class QuarterArc : public ::testing::Test {
@@ -282,6 +312,47 @@ TEST_F(QuarterArc, LeftTurningLotOnTheArc)
     EXPECT_NEAR(out.Coordinate.North().Double(), 8.0, 1e-13);
     EXPECT_NEAR(out.Station.Double(), 10.0 * sweep, 1e-12);
     EXPECT_NEAR(out.Azimuth.Double(), 2.0 * kPi - sweep - kPi / 2.0, 1e-13);
+}
+
+TEST_F(QuarterArc, EndNormalsUseTheValueComparison)
+{
+    // Points 5e-11 m past the start's or the end's normal line are not past
+    // it by more than the comparison tolerance: their feet lie on the arc, at
+    // its ends. 2e-10 m past, they are clamped.
+    CAxisPointSpec out;
+    // Right-turning: the start tangent points North, the end tangent East.
+    EXPECT_EQ(CMathCircle::Lot(West, North, CALength(10.0), CACoordinate(-12.0, -5e-11), &out),
+              TPointMathResult::OnElement);
+    EXPECT_NEAR(out.Station.Double(), 0.0, 1e-9);
+    EXPECT_NEAR(out.Coordinate.East().Double(), -10.0, 1e-12);
+    EXPECT_NEAR(out.Coordinate.North().Double(), 0.0, 1e-9);
+    EXPECT_EQ(CMathCircle::Lot(West, North, CALength(10.0), CACoordinate(-12.0, -2e-10), &out),
+              TPointMathResult::BeforeStart);
+    // Past the end this point's azimuth from the centre has crossed North
+    // (atan2(5e-11, 12), just above 0), so the remaining arc azE - azP wraps
+    // to almost 2 pi and the station, measured back from the end, comes out
+    // near 5 pi - 20 pi.
+    double const past = std::atan2(5e-11, 12.0);
+    EXPECT_EQ(CMathCircle::Lot(West, North, CALength(10.0), CACoordinate(5e-11, 12.0), &out),
+              TPointMathResult::OnElement);
+    EXPECT_NEAR(out.Station.Double(), arcLength - 10.0 * (2.0 * kPi - past), 1e-9);
+    EXPECT_NEAR(out.Coordinate.East().Double(), 0.0, 1e-9);
+    EXPECT_NEAR(out.Coordinate.North().Double(), 10.0, 1e-12);
+    EXPECT_EQ(CMathCircle::Lot(West, North, CALength(10.0), CACoordinate(2e-10, 12.0), &out),
+              TPointMathResult::BeyondEnd);
+    // Left-turning, the same quarter backwards: start tangent West, end tangent South.
+    // The same wrap before the start of the left-turning arc: azS - azP is
+    // almost 2 pi.
+    EXPECT_EQ(CMathCircle::Lot(North, West, CALength(-10.0), CACoordinate(5e-11, 12.0), &out),
+              TPointMathResult::OnElement);
+    EXPECT_NEAR(out.Station.Double(), 10.0 * (2.0 * kPi - past), 1e-9);
+    EXPECT_EQ(CMathCircle::Lot(North, West, CALength(-10.0), CACoordinate(2e-10, 12.0), &out),
+              TPointMathResult::BeforeStart);
+    EXPECT_EQ(CMathCircle::Lot(North, West, CALength(-10.0), CACoordinate(-12.0, -5e-11), &out),
+              TPointMathResult::OnElement);
+    EXPECT_NEAR(out.Station.Double(), arcLength, 1e-9);
+    EXPECT_EQ(CMathCircle::Lot(North, West, CALength(-10.0), CACoordinate(-12.0, -2e-10), &out),
+              TPointMathResult::BeyondEnd);
 }
 
 TEST_F(QuarterArc, StartBeforeEndTest)

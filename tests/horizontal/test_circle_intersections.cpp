@@ -102,6 +102,25 @@ TEST(CircleIntLineCircle, ChordAndMiss)
               TIntersectionResult::NoIntersection);
 }
 
+TEST(CircleIntLineCircle, MissByLessThanTheToleranceTouches)
+{
+    // The line North = 5 + 5e-11 passes the circle of radius 5 about the origin
+    // by less than the comparison tolerance: it counts as touching, at (0, N)
+    // relative to A = (-10, N), that is (10, 0) after the turn back. A line
+    // 2e-10 m further out misses.
+    CACoordinate P1;
+    CACoordinate P2;
+    double const n = 5.0 + 5e-11;
+    EXPECT_EQ(CMathCircle::IntLineCircle(CACoordinate(-10.0, n), CACoordinate(10.0, n), CACoordinate(0.0, 0.0),
+                                         CALength(5.0), &P1, &P2),
+              TIntersectionResult::Tangent);
+    ExpectPoint(P1, 10.0, 0.0);
+    ExpectPoint(P2, 10.0, 0.0);
+    EXPECT_EQ(CMathCircle::IntLineCircle(CACoordinate(-10.0, 5.0 + 2e-10), CACoordinate(10.0, 5.0 + 2e-10),
+                                         CACoordinate(0.0, 0.0), CALength(5.0), &P1, &P2),
+              TIntersectionResult::NoIntersection);
+}
+
 TEST(CircleIntLineCircle, CircleThroughTwoPoints)
 {
     CACoordinate P1;
@@ -139,8 +158,8 @@ TEST(CircleIntLineCircleSegment, ArcAcrossNorth)
     EXPECT_EQ(CMathCircle::IntLineCircleSegment(CACoordinate(0.5, -20.0), CACoordinate(0.5, 20.0), W, N,
                                                 CALength(10.0), &P1, &P2),
               TIntersectionResult::NoIntersection);
-    // East = -0.5: the northern point (azimuth 2pi - 0.05) lies on the arc
-    // (below the end azimuth after passing North), it is the one ahead.
+    // East = -0.5: the northern point (azimuth 2pi - 0.05, above the start
+    // azimuth 3pi/2) lies on the arc; it is the one ahead.
     EXPECT_EQ(CMathCircle::IntLineCircleSegment(CACoordinate(-0.5, -20.0), CACoordinate(-0.5, 20.0), W, N,
                                                 CALength(10.0), &P1, &P2),
               TIntersectionResult::OneIntersection);
@@ -213,6 +232,76 @@ TEST(CircleIntLineCircleSegment, TouchingTheArc)
               TIntersectionResult::Tangent);
     ExpectPoint(P1, 0.0, 0.0);
     ExpectPoint(P2, 0.0, 0.0);
+}
+
+TEST(CircleIntLineCircle, TurnBackByANormalisedAngle)
+{
+    // A line due North has azimuth 0: the turn back into map directions is
+    // 2pi - 0 brought into [0, 2pi), that is no turn at all, so the points on
+    // the line keep an East of exactly 0 (a turn by 2pi would leave about 1e-15).
+    CACoordinate P1;
+    CACoordinate P2;
+    EXPECT_EQ(CMathCircle::IntLineCircle(CACoordinate(0.0, 0.0), CACoordinate(0.0, 1.0), CACoordinate(3.0, 5.0),
+                                         CALength(5.0), &P1, &P2),
+              TIntersectionResult::TwoIntersections);
+    EXPECT_EQ(P1.East().Double(), 0.0);
+    EXPECT_EQ(P1.North().Double(), 9.0);
+    EXPECT_EQ(P2.East().Double(), 0.0);
+    EXPECT_EQ(P2.North().Double(), 1.0);
+    // Touching: (100, 250) relative to A = (100, 200).
+    EXPECT_EQ(CMathCircle::IntLineCircle(CACoordinate(100.0, 200.0), CACoordinate(100.0, 300.0),
+                                         CACoordinate(105.0, 250.0), CALength(5.0), &P1, &P2),
+              TIntersectionResult::Tangent);
+    EXPECT_EQ(P1.East().Double(), 0.0);
+    EXPECT_EQ(P1.North().Double(), 50.0);
+}
+
+TEST(CircleIntLineCircleSegment, ArcBoundsUseTheValueComparison)
+{
+    // The southern half circle about the origin, right-turning from (10, 0)
+    // (azimuth pi/2) to (-10, 0) (azimuth 3pi/2). The line North = 5e-10 meets
+    // the circle at azimuths pi/2 - 5e-11 and 3pi/2 + 5e-11: outside the arc
+    // by less than the comparison tolerance, so both count as on it.
+    CACoordinate const E(10.0, 0.0);
+    CACoordinate const W(-10.0, 0.0);
+    CACoordinate P1;
+    CACoordinate P2;
+    EXPECT_EQ(CMathCircle::IntLineCircleSegment(CACoordinate(-20.0, 5e-10), CACoordinate(20.0, 5e-10), E, W,
+                                                CALength(10.0), &P1, &P2),
+              TIntersectionResult::TwoIntersections);
+    ExpectPoint(P1, 10.0, 5e-10, 1e-13);
+    ExpectPoint(P2, -10.0, 5e-10, 1e-13);
+    // North = 1e-8: azimuths 1e-9 outside the arc, off it.
+    EXPECT_EQ(CMathCircle::IntLineCircleSegment(CACoordinate(-20.0, 1e-8), CACoordinate(20.0, 1e-8), E, W,
+                                                CALength(10.0), &P1, &P2),
+              TIntersectionResult::NoIntersection);
+}
+
+TEST(CircleIntLineCircleSegment, TinyArcIsNotTakenForOneAcrossNorth)
+{
+    // An arc of radius 1000 with a chord of 5e-8 m round azimuth pi/2 from the
+    // centre: its end azimuth exceeds its start azimuth by only 5e-11, less
+    // than the comparison tolerance. The test of that difference is a plain
+    // one, so the arc is the tiny one and the line East = -500, which crosses
+    // the circle far from it, misses it.
+    CACoordinate const C1(1000.0, 2.5e-8);
+    CACoordinate const C2(1000.0, -2.5e-8);
+    CACoordinate P1;
+    CACoordinate P2;
+    EXPECT_EQ(CMathCircle::IntLineCircleSegment(CACoordinate(-500.0, -2000.0), CACoordinate(-500.0, 2000.0), C1, C2,
+                                                CALength(1000.0), &P1, &P2),
+              TIntersectionResult::NoIntersection);
+    // The full circle is crossed there at North +-sqrt(1000^2 - 500^2).
+    EXPECT_EQ(CMathCircle::IntLineCircle(CACoordinate(-500.0, -2000.0), CACoordinate(-500.0, 2000.0), C1, C2,
+                                         CALength(1000.0), &P1, &P2),
+              TIntersectionResult::TwoIntersections);
+    ExpectPoint(P1, -500.0, std::sqrt(750000.0), 1e-9);
+    ExpectPoint(P2, -500.0, -std::sqrt(750000.0), 1e-9);
+    // A line through the arc's middle (North = 0) meets it.
+    EXPECT_EQ(CMathCircle::IntLineCircleSegment(CACoordinate(0.0, 0.0), CACoordinate(2000.0, 0.0), C1, C2,
+                                                CALength(1000.0), &P1, &P2),
+              TIntersectionResult::OneIntersection);
+    ExpectPoint(P1, 1000.0, 0.0, 1e-9);
 }
 
 TEST(CircleIntLineSegmentCircleSegment, TouchingPointOnTheSegmentIsOne)
@@ -320,6 +409,25 @@ TEST(CirclePointDeroleLR, ArcPositionFromNorth)
     EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(10.0), CACoordinate(101.0, 201.0)), 10.0 * kPi / 4.0, 1e-13);
 }
 
+TEST(CirclePointDeroleLR, SouthBoundaryUsesTheValueComparison)
+{
+    // Azimuth pi + 5e-11 (5e-10 m West of due South at 10 m) is not greater
+    // than pi by more than the comparison tolerance: the position stays positive.
+    CACoordinate const M(0.0, 0.0);
+    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(-5e-10, -10.0)), 2.0 * kPi, 1e-9);
+    // Azimuth pi + 1e-9 counts from the other side.
+    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(-1e-8, -10.0)), -2.0 * kPi, 1e-8);
+
+    // The same boundary for the circle point reached along a line: from
+    // (-5e-10, -20) northwards the circle of radius 10 is first reached at
+    // (-5e-10, -10), 10 m on.
+    double position = 99.0;
+    EXPECT_NEAR(CMathCircle::DirectedDeroleDistance(M, CALength(10.0), CACoordinate(-5e-10, -20.0),
+                                                    CACoordinate(-5e-10, 0.0), position),
+                10.0, 1e-12);
+    EXPECT_NEAR(position, 10.0 * kPi, 1e-8);
+}
+
 TEST(CircleDirectedDeroleDistance, FromOutsideAndInside)
 {
     CACoordinate const M(0.0, 0.0);
@@ -345,6 +453,40 @@ TEST(CircleDirectedDeroleDistance, FromOutsideAndInside)
                 -4.0, 1e-13);
     EXPECT_NEAR(position, 5.0 * (kPi - std::atan2(3.0, 4.0)), 1e-12);
 
+}
+
+TEST(CircleDirectedDeroleDistance, NearTieGoesToTheSecondPoint)
+{
+    // From (3, 2e-11) northwards the circle points (3, 4) and (3, -4) lie
+    // 4 - 2e-11 and 4 + 2e-11 away: the first is not nearer by more than the
+    // comparison tolerance, so the second one, behind, is taken.
+    double position = 99.0;
+    double const d = CMathCircle::DirectedDeroleDistance(CACoordinate(0.0, 0.0), CALength(5.0),
+                                                         CACoordinate(3.0, 2e-11), CACoordinate(3.0, 1.0), position);
+    EXPECT_NEAR(d, -(4.0 + 2e-11), 1e-14);
+    EXPECT_NEAR(position, 5.0 * (kPi - std::atan2(3.0, 4.0)), 1e-12);
+    // With the point 1e-9 m North the first is nearer.
+    double const d2 = CMathCircle::DirectedDeroleDistance(CACoordinate(0.0, 0.0), CALength(5.0),
+                                                          CACoordinate(3.0, 1e-9), CACoordinate(3.0, 1.0), position);
+    EXPECT_NEAR(d2, -(4.0 - 1e-9), 1e-14);
+    EXPECT_NEAR(position, 5.0 * std::atan2(3.0, 4.0), 1e-12);
+}
+
+TEST(CircleDirectedDeroleDistance, SideTakenFromThePlainSign)
+{
+    // A point 5e-11 m inside the circle is inside: the sign of |M - P| - r is
+    // read from the plain number, without tolerance.
+    double position = 99.0;
+    double const inside = CMathCircle::DirectedDeroleDistance(
+        CACoordinate(0.0, 0.0), CALength(5.0), CACoordinate(0.0, -5.0 + 5e-11), CACoordinate(0.0, 0.0), position);
+    EXPECT_LT(inside, 0.0);
+    EXPECT_NEAR(inside, -5e-11, 1e-15);
+    EXPECT_NEAR(position, 5.0 * kPi, 1e-12);
+    // On the circle itself the difference is 0, which counts as outside.
+    double const on = CMathCircle::DirectedDeroleDistance(CACoordinate(0.0, 0.0), CALength(5.0),
+                                                          CACoordinate(0.0, -5.0), CACoordinate(0.0, 0.0), position);
+    EXPECT_EQ(on, 0.0);
+    EXPECT_FALSE(std::signbit(on));
 }
 
 TEST(CircleDirectedDeroleDistance, NegativeRadiusDistance)
@@ -424,6 +566,22 @@ TEST(CircleEndPointAndEndAzi, FullCircleIsAcceptedLongerRefused)
     EXPECT_EQ(Ae.Double(), 0.7);
 }
 
+TEST(CircleEndPointAndEndAzi, FullCircleTestUsesTheValueComparison)
+{
+    // An arc longer than the full circle by less than the comparison
+    // tolerance is still accepted (and comes back to the start); by more, refused.
+    CACoordinate E;
+    CAAzimuth Ae;
+    double const full = 2.0 * kPi * 25.0;
+    EXPECT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(full + 5e-11),
+                                               CALength(25.0), E, Ae));
+    ExpectPoint(E, 0.0, 0.0, 1e-9);
+    EXPECT_FALSE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(full + 5e-10),
+                                                CALength(25.0), E, Ae));
+    EXPECT_EQ(E.East().Double(), 0.0);
+    EXPECT_EQ(E.North().Double(), 0.0);
+}
+
 TEST(CircleEndPointAndEndAzi, ZeroRadiusRefused)
 {
     CACoordinate E(1.0, 2.0);
@@ -436,6 +594,24 @@ TEST(CircleEndPointAndEndAzi, ZeroRadiusRefused)
     // Only an exact zero: a tiny radius still gives an arc (here of 1e-12 m length).
     EXPECT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(7.0, 8.0), CAAzimuth(0.5), CALength(1e-12),
                                                CALength(1e-11), E, Ae));
+}
+
+TEST(CircleEndPointAndEndAzi, RadiusWithinTheToleranceOfZeroTakesTheRightHandTangent)
+{
+    // r = -5e-11 is not exactly 0, so an arc is laid out (centre 5e-11 m to
+    // the left, turned by L / r = -2 rad, that is 2 rad to the left), but it is
+    // not below 0 by more than the comparison tolerance: the end tangent is the
+    // radius vector's azimuth plus pi/2. The radius vector points East at the
+    // start and has azimuth pi/2 - 2 at the end, so the tangent is pi - 2.
+    CACoordinate E;
+    CAAzimuth Ae;
+    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(1e-10),
+                                               CALength(-5e-11), E, Ae));
+    EXPECT_NEAR(Ae.Double(), kPi - 2.0, 1e-9);
+    // At r = -2e-10 (L = 4e-10, the same turn) it is minus pi/2: 2 pi - 2.
+    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(4e-10),
+                                               CALength(-2e-10), E, Ae));
+    EXPECT_NEAR(Ae.Double(), 2.0 * kPi - 2.0, 1e-9);
 }
 
 TEST(CircleProperties, EndPointAgreesWithKleinpunkt)

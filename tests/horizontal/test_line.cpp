@@ -149,6 +149,23 @@ TEST(LineLot, StartPointItselfIsOnElement)
     EXPECT_EQ(out.Station.Double(), std::sqrt(72.0));
 }
 
+TEST(LineLot, FootWithinTheToleranceBehindTheStartIsOnElement)
+{
+    // The foot of (-5e-11, 3) lies 5e-11 m before the start: not before it by
+    // more than the comparison tolerance, so the foot is computed, not clamped.
+    CACoordinate const P1(0.0, 0.0);
+    CACoordinate const P2(10.0, 0.0);
+    CAxisPointSpec out = Prefilled();
+    EXPECT_EQ(CMathLine::Lot(P1, P2, CACoordinate(-5e-11, 3.0), &out), TPointMathResult::OnElement);
+    EXPECT_NEAR(out.Station.Double(), -5e-11, 1e-15);
+    EXPECT_NEAR(out.Coordinate.East().Double(), -5e-11, 1e-15);
+    EXPECT_NEAR(out.Coordinate.North().Double(), 0.0, 1e-15);
+    // 2e-10 m before it: clamped to the start.
+    EXPECT_EQ(CMathLine::Lot(P1, P2, CACoordinate(-2e-10, 3.0), &out), TPointMathResult::BeforeStart);
+    EXPECT_EQ(out.Station.Double(), 0.0);
+    EXPECT_EQ(out.Coordinate.East().Double(), 0.0);
+}
+
 TEST(LineLot, LevelWithTheEndIsOnElement)
 {
     // Straight (2,1)->(8,9), length 10; the point 5 m left of the end.
@@ -428,6 +445,19 @@ TEST(LineIsPointOnSegment, AbsoluteTolerance)
     EXPECT_FALSE(CMathLine::IsPointOnLineSegment(P1, P2, CACoordinate(11.0, 0.0)));
     EXPECT_FALSE(CMathLine::IsPointOnLineSegment(P1, P2, CACoordinate(10.001, 0.0)));
     EXPECT_FALSE(CMathLine::IsPointOnLineSegment(P1, P2, CACoordinate(-0.001, 0.0)));
+}
+
+TEST(LineIsPointOnSegment, OffsetIsComparedWithTheValueComparison)
+{
+    // The offset of P from its foot goes through the tolerant comparison of
+    // lengths: 2^-23 m plus less than the comparison tolerance still counts as
+    // on the segment, plus more than it does not.
+    double const eps23 = std::ldexp(1.0, -23);
+    CACoordinate const P1(0.0, 0.0);
+    CACoordinate const P2(10.0, 0.0);
+    EXPECT_TRUE(CMathLine::IsPointOnLineSegment(P1, P2, CACoordinate(5.0, eps23)));
+    EXPECT_TRUE(CMathLine::IsPointOnLineSegment(P1, P2, CACoordinate(5.0, eps23 + 5e-11)));
+    EXPECT_FALSE(CMathLine::IsPointOnLineSegment(P1, P2, CACoordinate(5.0, eps23 + 2e-10)));
 }
 
 TEST(LineIsPointOnSegment, SurveyCoordinates)
