@@ -243,6 +243,8 @@ TEST(ClothoidStartPoint, NonFiniteInputNeverLoops)
     double const inf = std::numeric_limits<double>::infinity();
     double const huge = std::numeric_limits<double>::max();
     double const good[6] = {0.3, 300.0, -600.0, 90.0, 45.0, 0.0};  // azimuth, R1, R2, L, d, (spare)
+    double const tol = zellib::CAValue::Tolerance;
+    auto Same = [](double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); };
     int calls = 0;
     for (double bad : {nan, inf, -inf, huge, -huge, 0.0, -0.0, 1e-300}) {
         for (int slot = 0; slot < 6; ++slot) {
@@ -254,9 +256,22 @@ TEST(ClothoidStartPoint, NonFiniteInputNeverLoops)
             for (double r2 : {v[2], 0.0, 150.0, -150.0, 1200.0}) {
                 for (double r1 : {v[1], 0.0, 600.0, -600.0}) {
                     Out o;
-                    CMathClothoid::Kleinpunkt(c0, CAAzimuth(v[0]), r1, r2, v[3], v[4], o.point, o.azimuth,
-                                              o.radius);
+                    bool const ok = CMathClothoid::Kleinpunkt(c0, CAAzimuth(v[0]), r1, r2, v[3], v[4], o.point,
+                                                              o.azimuth, o.radius);
                     ++calls;
+                    // Equal radii (exactly), a length not above 0 or a distance
+                    // outside [0, L] by the value comparisons: refused at the
+                    // start; a distance of exactly 0 otherwise: the start.
+                    double const L = v[3];
+                    double const d = v[4];
+                    bool const refused = r1 == r2 || !(L - 0.0 > tol) || d - L > tol || 0.0 - d > tol;
+                    if (refused || d == 0.0) {
+                        EXPECT_EQ(ok, !refused) << "bad " << bad << " slot " << slot << " r1 " << r1 << " r2 " << r2;
+                        EXPECT_TRUE(Same(o.point.East().Double(), c0.East().Double()));
+                        EXPECT_TRUE(Same(o.point.North().Double(), c0.North().Double()));
+                        EXPECT_TRUE(Same(o.azimuth.Double(), CAAzimuth(v[0]).Double()));
+                        EXPECT_TRUE(Same(o.radius.Double(), r1));
+                    }
                 }
             }
         }
