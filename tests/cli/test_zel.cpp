@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,9 +30,11 @@ std::string Read(std::string const& path)
     return s.str();
 }
 
+// Each test runs in a process of its own, and ctest runs them in parallel: the
+// process id keeps their scratch files apart.
 std::string Temp(std::string const& name)
 {
-    return ::testing::TempDir() + "zel_cli_" + name;
+    return ::testing::TempDir() + "zel_cli_" + std::to_string(::getpid()) + "_" + name;
 }
 
 void Write(std::string const& path, std::string const& text)
