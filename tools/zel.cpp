@@ -27,6 +27,7 @@
 #include <CLI/CLI.hpp>
 
 #include <zelalign/landxml.h>
+#include <zelalign/points_csv.h>
 #include <zelalign/tunnel_metre.h>
 
 using namespace zelalign;
@@ -141,77 +142,17 @@ private:
 
 // ---------------------------------------------------------------- station
 
+// A measured point and its output row.
 struct PointRow {
-    std::string id;
-    double east = 0.0;
-    double north = 0.0;
-    double height = std::numeric_limits<double>::quiet_NaN();
+    MeasuredPoint point;
     std::string out;
 };
 
-bool ParseNumber(std::string s, double* v)
-{
-    s.erase(0, s.find_first_not_of(" \t"));
-    s.erase(s.find_last_not_of(" \t") + 1);
-    if (s.empty()) {
-        return false;
-    }
-    char* end = nullptr;
-    *v = std::strtod(s.c_str(), &end);
-    return end == s.c_str() + s.size() && std::isfinite(*v);
-}
-
-// Splits a CSV line at commas (no quoting: ids and numbers carry none).
-std::vector<std::string> Fields(std::string const& line)
-{
-    std::vector<std::string> f;
-    std::string::size_type start = 0;
-    while (true) {
-        auto const comma = line.find(',', start);
-        f.push_back(line.substr(start, comma == std::string::npos ? std::string::npos : comma - start));
-        if (comma == std::string::npos) {
-            break;
-        }
-        start = comma + 1;
-    }
-    return f;
-}
-
-// An empty string when the row is good, otherwise what is wrong with it.
-std::string ParseRow(std::string const& line, PointRow* row)
-{
-    std::vector<std::string> const f = Fields(line);
-    if (f.size() < 3 || f.size() > 4) {
-        return "expected id,east,north[,height], found " + std::to_string(f.size()) + " fields";
-    }
-    row->id = f[0];
-    row->id.erase(0, row->id.find_first_not_of(" \t"));
-    row->id.erase(row->id.find_last_not_of(" \t") + 1);
-    if (row->id.empty()) {
-        return "the point id is empty";
-    }
-    if (!ParseNumber(f[1], &row->east)) {
-        return "east is not a number: '" + f[1] + "'";
-    }
-    if (!ParseNumber(f[2], &row->north)) {
-        return "north is not a number: '" + f[2] + "'";
-    }
-    row->height = std::numeric_limits<double>::quiet_NaN();
-    if (f.size() == 4) {
-        std::string h = f[3];
-        h.erase(0, h.find_first_not_of(" \t"));
-        if (!h.empty() && !ParseNumber(f[3], &row->height)) {
-            return "height is not a number: '" + f[3] + "'";
-        }
-    }
-    return std::string();
-}
-
 void Station(Loaded const& l, PointRow* row, AngleUnit unit)
 {
-    Projection const p = l.alignment.horizontal.Project(row->east, row->north);
+    Projection const p = l.alignment.horizontal.Project(row->point.east, row->point.north);
     std::string& o = row->out;
-    o = row->id;
+    o = row->point.id;
     o += ',';
     if (p.status == ProjectionStatus::NoSolution) {
         o += ",,,,,,,,,";
@@ -238,7 +179,7 @@ void Station(Loaded const& l, PointRow* row, AngleUnit unit)
     }
     o += Fixed(height, 4);
     o += ',';
-    o += Fixed(row->height - height, 4);
+    o += Fixed(row->point.height - height, 4);
     o += ',';
     double tm = std::numeric_limits<double>::quiet_NaN();
     if (!l.tunnel.ToTunnelMetre(f.station, &tm)) {
@@ -328,8 +269,7 @@ int RunStation(Common const& c, std::string const& pointsPath, unsigned threads,
     Progress progress(pointsPath);
     std::vector<PointRow> batch;
     batch.reserve(BatchRows);
-    std::string line;
-    long lineNumber = 0;
+    PointsCsvReader reader(in, pointsPath);
     long bad = 0;
     long done = 0;
     bool failed = false;
@@ -342,22 +282,10 @@ int RunStation(Common const& c, std::string const& pointsPath, unsigned threads,
         batch.clear();
         progress.Update(static_cast<double>(in.tellg() < 0 ? 0 : static_cast<double>(in.tellg())));
     };
-    while (std::getline(in, line)) {
-        ++lineNumber;
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
-        }
-        if (line.find_first_not_of(" \t") == std::string::npos) {
-            continue;
-        }
-        PointRow row;
-        std::string const problem = ParseRow(line, &row);
-        if (!problem.empty()) {
-            if (lineNumber == 1) {
-                continue;  // a header line
-            }
-            std::cerr << (skipBad ? "warning: " : "error: ") << pointsPath << ":" << lineNumber << ": " << problem
-                      << "\n";
+    PointRow row;
+    for (PointsCsvReader::Row r = reader.Next(&row.point); r != PointsCsvReader::Row::End; r = reader.Next(&row.point)) {
+        if (r == PointsCsvReader::Row::Malformed) {
+            std::cerr << (skipBad ? "warning: " : "error: ") << reader.Message() << "\n";
             ++bad;
             if (!skipBad) {
                 failed = true;
@@ -365,7 +293,7 @@ int RunStation(Common const& c, std::string const& pointsPath, unsigned threads,
             }
             continue;
         }
-        batch.push_back(std::move(row));
+        batch.push_back(row);
         if (batch.size() >= BatchRows) {
             flush();
         }
