@@ -5,23 +5,18 @@
 
 #include <cmath>
 
+#include "element_common.h"
+
 namespace zelmath {
 
 namespace {
 
+using horizontal_detail::ArcLengthOfRadius;
+using horizontal_detail::LocalToWorld;
+
 // Length (metres) of the construction lines through the two end points whose
 // intersection is the clothoid origin.
 constexpr double ConstructionLineLength = 50.0;
-
-// Arc length from the origin at which the clothoid reaches radius R: A^2 / |R|,
-// 0 for a straight (R exactly 0).
-CALength ArcLengthOfRadius(CALength const& A, CALength const& R)
-{
-    if (R.Double() == 0.0) {
-        return CALength(0.0);
-    }
-    return CALength(std::pow(A.Double(), 2.0) / R.Absolute().Double());
-}
 
 }  // namespace
 
@@ -209,7 +204,7 @@ void CMathClothoid::Kleinpunkt(CAxisComplexSpec const& spec, CALength const& sta
         local.North(-local.North());
     }
 
-    point->Coordinate = origin + local.Rotate(CAAngle(zellib::CAPidiv2) - theta0);
+    point->Coordinate = origin + local.Rotate(LocalToWorld(theta0));
 
     CALength radius = radiusPreset;
     if (s.Double() != 0.0) {

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "element_common.h"
+
 namespace zelmath {
 
 namespace {
@@ -11,30 +13,16 @@ namespace {
 // than this (metres) outside along the end tangent.
 constexpr double EndTolerance = 0.0005;
 
-// The running station is kept this far (metres) inside the element.
-constexpr double StationClamp = 0.0001;
-
-// The iteration has converged when the correction along the tangent is no
-// larger than this (metres).
-constexpr double ConvergenceTolerance = 0.0004;
-
-// Step damping: the station moves by the along-tangent distance divided by
-// HalfStep, or by QuarterStep / EighthStep for points far off the tangent.
-constexpr double HalfStep = 2.0;
-constexpr double QuarterStep = 4.0;
-constexpr double EighthStep = 8.0;
-constexpr double QuarterStepOffset = 500.0;   // metres
-constexpr double EighthStepOffset = 1000.0;   // metres
-constexpr double MaxOffset = 2000.0;          // metres; farther points have no foot
-constexpr int MaxIterationSteps = 3000;
-
-CALength ArcLengthOfRadius(CALength const& A, CALength const& R)
-{
-    if (R.Double() == 0.0) {
-        return CALength(0.0);
-    }
-    return CALength(std::pow(A.Double(), 2.0) / R.Absolute().Double());
-}
+using horizontal_detail::ArcLengthOfRadius;
+using horizontal_detail::EighthStep;
+using horizontal_detail::EighthStepOffset;
+using horizontal_detail::FootTolerance;
+using horizontal_detail::HalfStep;
+using horizontal_detail::MaxFootSteps;
+using horizontal_detail::MaxOffset;
+using horizontal_detail::QuarterStep;
+using horizontal_detail::QuarterStepOffset;
+using horizontal_detail::StationInset;
 
 // Splits v into the distance along a tangent (East, forward positive) and the
 // offset (North, positive to the left). A tangent held pointing backwards is
@@ -161,14 +149,14 @@ TPointMathResult::Type CMathClothoid::Iterate(CAxisComplexSpec const& spec, CALe
 
     double divisor = HalfStep;
     CALength s = startStation;
-    for (int step = 1; step <= MaxIterationSteps; ++step) {
+    for (int step = 1; step <= MaxFootSteps; ++step) {
         // Keep the trial station inside the element; on an element shorter
         // than two clamps the end clamp wins.
         if (s <= ss) {
-            s = ss + CALength(StationClamp);
+            s = ss + CALength(StationInset);
         }
         if (s >= se) {
-            s = se - CALength(StationClamp);
+            s = se - CALength(StationInset);
         }
 
         Kleinpunkt(spec, s, foot);
@@ -194,10 +182,10 @@ TPointMathResult::Type CMathClothoid::Iterate(CAxisComplexSpec const& spec, CALe
         // before this correction.
         s = s + along / divisor;
 
-        if (step == MaxIterationSteps) {
+        if (step == MaxFootSteps) {
             return TPointMathResult::NoSolution;
         }
-        if (!(along.Absolute() > ConvergenceTolerance)) {
+        if (!(along.Absolute() > FootTolerance)) {
             return TPointMathResult::OnElement;
         }
     }

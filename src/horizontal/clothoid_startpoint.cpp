@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "element_common.h"
+
 namespace zelmath {
 
 namespace {
@@ -14,6 +16,8 @@ constexpr int StraightAtEnd = 1;
 constexpr int OriginBeforeStart = 2;
 constexpr int OriginBeyondEnd = 3;
 constexpr int ReversedBending = 4;
+
+using horizontal_detail::LocalToWorld;
 
 }  // namespace
 
@@ -82,7 +86,7 @@ bool CMathClothoid::Kleinpunkt(CACoordinate const& C0, CAAzimuth const& azimuth0
             local.North(-local.North());
             azimuth = theta0 + tau;
         }
-        point = c0 + local.Rotate(quarter - theta0);
+        point = c0 + local.Rotate(LocalToWorld(theta0));
         return true;
     }
     case StraightAtEnd: {

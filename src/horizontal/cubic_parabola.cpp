@@ -3,44 +3,27 @@
 #include <cfloat>
 #include <cmath>
 
+#include "element_common.h"
+
 namespace zelmath {
 
 namespace {
 
-using zellib::CAPi;
-using zellib::CAPidiv2;
+using horizontal_detail::EighthStep;
+using horizontal_detail::EighthStepOffset;
+using horizontal_detail::FootTolerance;
+using horizontal_detail::HalfStep;
+using horizontal_detail::LocalToWorld;
+using horizontal_detail::MaxFootSteps;
+using horizontal_detail::MaxOffset;
+using horizontal_detail::QuarterStep;
+using horizontal_detail::QuarterStepOffset;
+using horizontal_detail::StationInset;
+using horizontal_detail::WorldToLocal;
 
 // Stands in for the infinite ordinate of a straight end or a zero chord, and
 // for the infinite abscissa of a zero station span.
 constexpr double Huge = DBL_MAX;
-
-// The iteration keeps its station this far inside Start.Station..End.Station.
-constexpr double StationInset = 0.0001;
-// The foot is found when the point lies this close along the tangent.
-constexpr double FootTolerance = 0.0004;
-// Offsets across the tangent beyond which the step is damped harder, and
-// beyond which no foot is sought.
-constexpr double DampOffset4 = 500.0;
-constexpr double DampOffset8 = 1000.0;
-constexpr double MaxOffset = 2000.0;
-constexpr double Divisor2 = 2.0;
-constexpr double Divisor4 = 4.0;
-constexpr double Divisor8 = 8.0;
-// Steps after which the iteration gives up.
-constexpr int MaxSteps = 3000;
-
-// Turn that brings a direction of azimuth az onto the local abscissa (due East).
-CAAngle WorldToLocal(CAAzimuth const& az)
-{
-    return CAAngle(CAPi + CAPidiv2) + az;
-}
-
-// Turn that brings the local abscissa (due East) onto azimuth az: the angle
-// difference pi/2 - az, brought into [0, 2 pi) like every angle difference.
-CAAngle LocalToWorld(CAAzimuth const& az)
-{
-    return CAAngle(CAPidiv2) - az;
-}
 
 }  // namespace
 
@@ -200,12 +183,12 @@ TPointMathResult::Type CMathCbcParabol::Iterate(CAxisComplexSpec const& element,
         CACoordinate q = point - out->Coordinate;
         q.Rotate(WorldToLocal(out->Azimuth));
 
-        double divisor = Divisor2;
-        if (q.North().Absolute() > DampOffset4) {
-            divisor = Divisor4;
+        double divisor = HalfStep;
+        if (q.North().Absolute() > QuarterStepOffset) {
+            divisor = QuarterStep;
         }
-        if (q.North().Absolute() > DampOffset8) {
-            divisor = Divisor8;
+        if (q.North().Absolute() > EighthStepOffset) {
+            divisor = EighthStep;
         }
         if (q.North().Absolute() > MaxOffset) {
             return TPointMathResult::NoSolution;
@@ -214,7 +197,7 @@ TPointMathResult::Type CMathCbcParabol::Iterate(CAxisComplexSpec const& element,
         x = x + q.East() / divisor;
 
         ++n;
-        if (n >= MaxSteps) {
+        if (n >= MaxFootSteps) {
             return TPointMathResult::NoSolution;
         }
         if (!(q.East().Absolute() > FootTolerance)) {

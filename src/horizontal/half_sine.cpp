@@ -3,12 +3,19 @@
 #include <cfloat>
 #include <cmath>
 
+#include "element_common.h"
+
 namespace zelmath {
 
 namespace {
 
 using zellib::CAPi;
 using zellib::CAPidiv2;
+
+using horizontal_detail::FootTolerance;
+using horizontal_detail::LocalToWorld;
+using horizontal_detail::StationInset;
+using horizontal_detail::WorldToLocal;
 
 // Stands in for the infinite constants of a zero span or a straight end.
 constexpr double Huge = DBL_MAX;
@@ -17,29 +24,12 @@ constexpr double Huge = DBL_MAX;
 // gives the tangent.
 constexpr double TangentStep = 0.001;
 
-// The iteration keeps its station this far inside Start.Station..End.Station.
-constexpr double StationInset = 0.0001;
-// The foot is found when the point lies this close along the tangent.
-constexpr double FootTolerance = 0.0004;
 // The step is damped by the offset across the tangent divided by this, but
 // never by less than MinDivisor.
 constexpr double OffsetPerDivisor = 125.0;
 constexpr double MinDivisor = 2.1;
 // Steps after which the iteration gives up.
 constexpr int MaxSteps = 32766;
-
-// Turn that brings a direction of azimuth az onto the local abscissa (due East).
-CAAngle WorldToLocal(CAAzimuth const& az)
-{
-    return CAAngle(CAPi + CAPidiv2) + az;
-}
-
-// Turn that brings the local abscissa (due East) onto azimuth az: the angle
-// difference pi/2 - az, brought into [0, 2 pi) like every angle difference.
-CAAngle LocalToWorld(CAAzimuth const& az)
-{
-    return CAAngle(CAPidiv2) - az;
-}
 
 }  // namespace
 

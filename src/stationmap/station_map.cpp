@@ -16,6 +16,37 @@ constexpr double CurveTolerance = 1e-4;
 // Failed fixed-point steps allowed on a vertical curve.
 constexpr int MaxCurveSteps = 3000;
 
+// Curve length between two 2D stations of a vertical curve (lower first).
+using CurveLengthFn = bool (*)(const CStngMapCurved3DDef&, CALength, CALength, CALength&);
+
+// Fixed-point search on a vertical curve for the station rest tunnel metres
+// from base: walking forwards, the trial station s lies after base and moves
+// back by the 3D error; walking backwards, it lies before base and moves on by
+// the 3D error. s comes in as the caller's start guess, already clamped to the
+// element. On success d is the 2D distance from base to the station found.
+// curveLength is the caller's, and keeps the last length measured.
+bool FindStationOnCurve(CurveLengthFn lengthBetween, const CStngMapCurved3DDef& curve, bool forwards,
+                        double base, double rest, double s, CALength& curveLength, double& d)
+{
+    int failed = 0;
+    for (;;) {
+        bool const measured = forwards ? lengthBetween(curve, base, s, curveLength)
+                                       : lengthBetween(curve, s, base, curveLength);
+        if (!measured) {
+            return false;
+        }
+        double const l = curveLength.Double();
+        if (std::fabs(l - rest) < CurveTolerance) {
+            d = forwards ? std::fabs(s - base) : std::fabs(base - s);
+            return true;
+        }
+        s = forwards ? s - (l - rest) : s + (l - rest);
+        if (++failed > MaxCurveSteps) {
+            return false;
+        }
+    }
+}
+
 }  // namespace
 
 bool CMathStngMap2D3D::get3DLengthForCurve(const CStngMapCurved3DDef& curve, CALength station1,
@@ -276,25 +307,14 @@ bool CMathStngMap2D3D::get2DStngFrom3DTM(IStngMap2D3DElements* elements, double 
                     if (!elements->GetCurvedDef(i, &curve)) {
                         return false;
                     }
-                    // Fixed-point steps: the 2D station moves by the 3D error.
+                    // Fixed-point steps from base + rest, held to the end.
                     double s = base + rest;
                     if (s > end) {
                         s = end;
                     }
-                    int failed = 0;
-                    for (;;) {
-                        if (!get3DLengthForCurve(curve, base, s, curveLength)) {
-                            return false;
-                        }
-                        double const l = curveLength.Double();
-                        if (std::fabs(l - rest) < CurveTolerance) {
-                            d = std::fabs(s - base);
-                            break;
-                        }
-                        s = s - (l - rest);
-                        if (++failed > MaxCurveSteps) {
-                            return false;
-                        }
+                    if (!FindStationOnCurve(&get3DLengthForCurve, curve, true, base, rest, s, curveLength,
+                                            d)) {
+                        return false;
                     }
                 }
                 station = base + d;
@@ -356,24 +376,13 @@ bool CMathStngMap2D3D::get2DStngFrom3DTM(IStngMap2D3DElements* elements, double 
                 if (!elements->GetCurvedDef(i, &curve)) {
                     return false;
                 }
+                // Fixed-point steps from base - rest, held to the start.
                 double s = base - rest;
                 if (s < start) {
                     s = start;
                 }
-                int failed = 0;
-                for (;;) {
-                    if (!get3DLengthForCurve(curve, s, base, curveLength)) {
-                        return false;
-                    }
-                    double const l = curveLength.Double();
-                    if (std::fabs(l - rest) < CurveTolerance) {
-                        d = std::fabs(base - s);
-                        break;
-                    }
-                    s = s + (l - rest);
-                    if (++failed > MaxCurveSteps) {
-                        return false;
-                    }
+                if (!FindStationOnCurve(&get3DLengthForCurve, curve, false, base, rest, s, curveLength, d)) {
+                    return false;
                 }
             }
             station = base - d;
