@@ -1,4 +1,6 @@
 // The circular arc: centre, point at station, foot.
+#include "common/plane_geometry.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,30 +17,11 @@ using zelmath::TPointMathResult;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr double kPi = zeltest::Pi;
 
-// Smallest difference of two directions, in [0, pi].
-double AngleGap(double a, double b)
-{
-    double d = std::fmod(std::fabs(a - b), 2.0 * kPi);
-    return d > kPi ? 2.0 * kPi - d : d;
-}
-
-// The point at azimuth az and distance r from the centre c.
-CACoordinate Polar(CACoordinate const& c, double r, double az)
-{
-    return CACoordinate(c.East().Double() + r * std::sin(az), c.North().Double() + r * std::cos(az));
-}
-
-CAxisPointSpec Prefilled()
-{
-    CAxisPointSpec p;
-    p.Station = 111.0;
-    p.Azimuth = 1.25;
-    p.Radius = -77.0;
-    p.Coordinate = CACoordinate(-5.5, 9.25);
-    return p;
-}
+using zeltest::AngleGap;
+using zeltest::Polar;
+using zeltest::Prefilled;
 
 }  // namespace
 

@@ -1,4 +1,6 @@
 // Line-circle intersections, arc length, radial distances and the arc's end point.
+#include "common/plane_geometry.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,27 +17,11 @@ using zelmath::TIntersectionResult;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr double kPi = zeltest::Pi;
 
-double AngleGap(double a, double b)
-{
-    double d = std::fmod(std::fabs(a - b), 2.0 * kPi);
-    return d > kPi ? 2.0 * kPi - d : d;
-}
-
-CACoordinate Polar(CACoordinate const& c, double r, double az)
-{
-    return CACoordinate(c.East().Double() + r * std::sin(az), c.North().Double() + r * std::cos(az));
-}
-
-double DistanceFromLine(CACoordinate const& A, CACoordinate const& B, CACoordinate const& P)
-{
-    double const dx = B.East().Double() - A.East().Double();
-    double const dy = B.North().Double() - A.North().Double();
-    double const px = P.East().Double() - A.East().Double();
-    double const py = P.North().Double() - A.North().Double();
-    return std::fabs(dx * py - dy * px) / std::hypot(dx, dy);
-}
+using zeltest::AngleGap;
+using zeltest::DistanceFromLine;
+using zeltest::Polar;
 
 void ExpectPoint(CACoordinate const& p, double east, double north, double tol = 1e-12)
 {

@@ -1,6 +1,8 @@
 #include <zelmath/cubic_parabola.h>
 #include <zelmath/complex_shape.h>
 
+#include "common/transition_checks.h"
+
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -32,35 +34,21 @@ namespace {
 
 using Access = CMathCbcParabolTestAccess;
 
-constexpr double Pi = 3.14159265358979323846;
-constexpr double Tight = 1e-9;
+using zeltest::AngleDiff;
+using zeltest::ExpectMarker;
+using zeltest::ExpectNear;
+using zeltest::Marker;
+using zeltest::Pi;
+using zeltest::Place;
 
-// Difference of two directions brought into (-pi, pi].
-double AngleDiff(double a, double b)
-{
-    double d = std::fmod(a - b, 2.0 * Pi);
-    if (d > Pi) {
-        d -= 2.0 * Pi;
-    }
-    if (d <= -Pi) {
-        d += 2.0 * Pi;
-    }
-    return d;
-}
+// The point of an element at a station.
+constexpr auto At = &zeltest::KleinpunktAt<CMathCbcParabol>;
+constexpr double Tight = 1e-9;
 
 double Wrap(double a)
 {
     double r = std::fmod(a, 2.0 * Pi);
     return r < 0.0 ? r + 2.0 * Pi : r;
-}
-
-// The point at distance along on a line of azimuth az from p, then across to
-// the left of it.
-CACoordinate Place(CACoordinate const& p, double az, double along, double left)
-{
-    double const e = p.East().Double() + along * std::sin(az) + left * std::sin(az - Pi / 2.0);
-    double const n = p.North().Double() + along * std::cos(az) + left * std::cos(az - Pi / 2.0);
-    return CACoordinate(e, n);
 }
 
 // A cubic parabola laid out by hand. The element's own construction takes the
@@ -161,38 +149,6 @@ double ExpectedAzimuth(Layout const& l, double s)
     double const x = Abscissa(l, s);
     double const turn = std::atan(x * x / (2.0 * l.radius * l.lx));
     return Wrap(l.element.ComplexType == 0 ? l.tangent + turn : l.tangent - turn);
-}
-
-void ExpectNear(CACoordinate const& a, CACoordinate const& b, double tol)
-{
-    EXPECT_NEAR(a.East().Double(), b.East().Double(), tol);
-    EXPECT_NEAR(a.North().Double(), b.North().Double(), tol);
-}
-
-CAxisPointSpec At(CAxisComplexSpec const& e, double s)
-{
-    CAxisPointSpec p;
-    CMathCbcParabol::Kleinpunkt(e, CALength(s), &p);
-    return p;
-}
-
-CAxisPointSpec Marker()
-{
-    CAxisPointSpec p;
-    p.Station = -777.0;
-    p.Azimuth = 1.234;
-    p.Radius = 4321.0;
-    p.Coordinate = CACoordinate(-5.0, 6.0);
-    return p;
-}
-
-void ExpectMarker(CAxisPointSpec const& p)
-{
-    EXPECT_EQ(p.Station.Double(), -777.0);
-    EXPECT_EQ(p.Azimuth.Double(), 1.234);
-    EXPECT_EQ(p.Radius.Double(), 4321.0);
-    EXPECT_EQ(p.Coordinate.East().Double(), -5.0);
-    EXPECT_EQ(p.Coordinate.North().Double(), 6.0);
 }
 
 // ---------------------------------------------------------------------------
@@ -536,22 +492,6 @@ Layout Straightish()
     return StraightIntoCurve(CACoordinate(0.0, 0.0), Pi / 2.0, 1e12, 100.0, 0.0, 100.0);
 }
 
-// The last evaluated station of the iteration on a straight with the foot at
-// station foot, from x0, when every step moves by the remaining distance
-// divided by divisor.
-double LastStation(double x0, double foot, double divisor)
-{
-    double x = x0;
-    for (int i = 0; i < 3000; ++i) {
-        double const along = foot - x;
-        if (std::fabs(along) <= 0.0004) {
-            return x;
-        }
-        x += along / divisor;
-    }
-    return x;
-}
-
 TEST(CbcParabolIterate, PointOnTheElementConvergesInTheFirstStep)
 {
     Layout const l = StraightIntoCurve(CACoordinate(2600000.0, 1200000.0), 1.2, 400.0, 80.0, 50.0, 80.0);
@@ -596,7 +536,7 @@ TEST(CbcParabolIterate, DampingGrowsWithTheOffsetAcrossTheTangent)
         CACoordinate const p(70.0, c.across);
         CAxisPointSpec out;
         EXPECT_EQ(Access::Iterate(l.element, CALength(10.0), p, &out), TPointMathResult::OnElement);
-        EXPECT_NEAR(out.Station.Double(), LastStation(10.0, 70.0, c.divisor), 1e-6) << c.across;
+        EXPECT_NEAR(out.Station.Double(), zeltest::LastStation(10.0, 70.0, c.divisor, 3000), 1e-6) << c.across;
     }
 }
 

@@ -1,6 +1,8 @@
 #include <zelmath/half_sine.h>
 #include <zelmath/complex_shape.h>
 
+#include "common/transition_checks.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -40,28 +42,15 @@ namespace {
 
 using Access = CMathHalfSinTestAccess;
 
-constexpr double Pi = 3.14159265358979323846;
+using zeltest::AngleDiff;
+using zeltest::ExpectMarker;
+using zeltest::ExpectNear;
+using zeltest::Marker;
+using zeltest::Pi;
+using zeltest::Place;
 
-double AngleDiff(double a, double b)
-{
-    double d = std::fmod(a - b, 2.0 * Pi);
-    if (d > Pi) {
-        d -= 2.0 * Pi;
-    }
-    if (d <= -Pi) {
-        d += 2.0 * Pi;
-    }
-    return d;
-}
-
-// The point at distance along on a line of azimuth az from p, then across to
-// the left of it.
-CACoordinate Place(CACoordinate const& p, double az, double along, double left)
-{
-    double const e = p.East().Double() + along * std::sin(az) + left * std::sin(az - Pi / 2.0);
-    double const n = p.North().Double() + along * std::cos(az) + left * std::cos(az - Pi / 2.0);
-    return CACoordinate(e, n);
-}
+// The point of an element at a station.
+constexpr auto At = &zeltest::KleinpunktAt<CMathHalfSin>;
 
 // The series of the element written out term by term: abscissa
 // l - b^2/(12 a^3) (2u^3 - 12 sin u + 12 u cos u - 3 cos u sin u + 3u) and
@@ -188,38 +177,6 @@ Layout Make(int type, CACoordinate const& origin, double tangent, double radius,
 double FromOrigin(Layout const& l, double s)
 {
     return l.element.ComplexType == 0 ? s - l.element.Start.Station.Double() : l.element.End.Station.Double() - s;
-}
-
-CAxisPointSpec At(CAxisComplexSpec const& e, double s)
-{
-    CAxisPointSpec p;
-    CMathHalfSin::Kleinpunkt(e, CALength(s), &p);
-    return p;
-}
-
-CAxisPointSpec Marker()
-{
-    CAxisPointSpec p;
-    p.Station = -777.0;
-    p.Azimuth = 1.234;
-    p.Radius = 4321.0;
-    p.Coordinate = CACoordinate(-5.0, 6.0);
-    return p;
-}
-
-void ExpectMarker(CAxisPointSpec const& p)
-{
-    EXPECT_EQ(p.Station.Double(), -777.0);
-    EXPECT_EQ(p.Azimuth.Double(), 1.234);
-    EXPECT_EQ(p.Radius.Double(), 4321.0);
-    EXPECT_EQ(p.Coordinate.East().Double(), -5.0);
-    EXPECT_EQ(p.Coordinate.North().Double(), 6.0);
-}
-
-void ExpectNear(CACoordinate const& a, CACoordinate const& b, double tol)
-{
-    EXPECT_NEAR(a.East().Double(), b.East().Double(), tol);
-    EXPECT_NEAR(a.North().Double(), b.North().Double(), tol);
 }
 
 // ---------------------------------------------------------------------------
@@ -556,21 +513,6 @@ TEST(HalfSinKleinpunkt, UnsupportedTypesLeaveTheOutputUntouched)
 // ---------------------------------------------------------------------------
 // Iteration
 
-// Last evaluated station of the iteration on a straight: every step moves by
-// the remaining distance over the divisor.
-double LastStation(double x0, double foot, double divisor)
-{
-    double x = x0;
-    for (int i = 0; i < 32766; ++i) {
-        double const along = foot - x;
-        if (std::fabs(along) <= 0.0004) {
-            return x;
-        }
-        x += along / divisor;
-    }
-    return x;
-}
-
 // A practically straight element from (0, 0) due East, stations 0..100.
 Layout Straightish()
 {
@@ -590,7 +532,7 @@ TEST(HalfSinIterate, DivisorFromTheOffsetAcrossTheTangent)
         CAxisPointSpec out;
         EXPECT_EQ(Access::Iterate(l.element, CALength(10.0), CACoordinate(70.0, c.across), &out),
                   TPointMathResult::OnElement);
-        EXPECT_NEAR(out.Station.Double(), LastStation(10.0, 70.0, c.divisor), 1e-6) << c.across;
+        EXPECT_NEAR(out.Station.Double(), zeltest::LastStation(10.0, 70.0, c.divisor, 32766), 1e-6) << c.across;
     }
 }
 

@@ -1,4 +1,6 @@
 // The straight element and the line geometry.
+#include "common/plane_geometry.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -16,27 +18,10 @@ using zelmath::TPointMathResult;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr double kPi = zeltest::Pi;
 
-// Perpendicular distance of P from the infinite line through A and B.
-double DistanceFromLine(CACoordinate const& A, CACoordinate const& B, CACoordinate const& P)
-{
-    double const dx = B.East().Double() - A.East().Double();
-    double const dy = B.North().Double() - A.North().Double();
-    double const px = P.East().Double() - A.East().Double();
-    double const py = P.North().Double() - A.North().Double();
-    return std::fabs(dx * py - dy * px) / std::hypot(dx, dy);
-}
-
-CAxisPointSpec Prefilled()
-{
-    CAxisPointSpec p;
-    p.Station = 111.0;
-    p.Azimuth = 1.25;
-    p.Radius = -77.0;
-    p.Coordinate = CACoordinate(-5.5, 9.25);
-    return p;
-}
+using zeltest::DistanceFromLine;
+using zeltest::Prefilled;
 
 }  // namespace
 

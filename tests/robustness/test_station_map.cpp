@@ -5,6 +5,7 @@
 // conversions' own steps give, worked out by hand. The curve iteration of the
 // tunnel-metre conversion must give up at its step limit where it can never
 // converge.
+#include "common/station_maps.h"
 #include "robustness/robust_support.h"
 
 #include <zelmath/zelmath.h>
@@ -22,49 +23,13 @@ namespace {
 // Written into every output beforehand; no conversion below yields it.
 constexpr double Untouched = -9999.5;
 
-// A map held in vectors, as a caller would keep it.
-class VectorMap : public IStngMap2D3DElements {
+// A map held in vectors, as a caller would keep it, whose element count can be
+// overridden.
+class VectorMap : public zeltest::VectorStationMap {
 public:
-    std::vector<CStngMap2D3DElement> elements;
-    std::vector<CStngMapCurved3DDef> curves;  // same index as elements
-    int count = -1;                           // overrides the count when not -1
+    int count = -1;  // overrides the count when not -1
 
-    int GetElementCount() override { return count != -1 ? count : static_cast<int>(elements.size()); }
-    bool GetElement(int index, CStngMap2D3DElement* element) override
-    {
-        if (index < 0 || index >= static_cast<int>(elements.size())) {
-            return false;
-        }
-        *element = elements[static_cast<std::size_t>(index)];
-        return true;
-    }
-    bool GetCurvedDef(int index, CStngMapCurved3DDef* curve) override
-    {
-        if (index < 0 || index >= static_cast<int>(curves.size())) {
-            return false;
-        }
-        *curve = curves[static_cast<std::size_t>(index)];
-        return true;
-    }
-    void AddStraight(double start, double end, double length3D)
-    {
-        CStngMap2D3DElement e;
-        e.StngStart = start;
-        e.StngEnd = end;
-        e.Length3D = length3D;
-        elements.push_back(e);
-        curves.emplace_back();
-    }
-    void AddCurve(double start, double end, double length3D, CStngMapCurved3DDef const& curve)
-    {
-        CStngMap2D3DElement e;
-        e.StngStart = start;
-        e.StngEnd = end;
-        e.Length3D = length3D;
-        e.Curved = true;
-        elements.push_back(e);
-        curves.push_back(curve);
-    }
+    int GetElementCount() override { return count != -1 ? count : VectorStationMap::GetElementCount(); }
 };
 
 double ToTM(VectorMap& map, double refStation, double refTM, bool same, double station, bool* ok)

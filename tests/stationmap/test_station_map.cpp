@@ -1,3 +1,5 @@
+#include "common/station_maps.h"
+
 #include <zelmath/zelmath.h>
 
 #include <gtest/gtest.h>
@@ -29,10 +31,8 @@ constexpr double Sentinel = -9999.5;
 
 // A map held in vectors that records every call made to it and can be told to
 // refuse one element or one curve.
-class CountingMap : public IStngMap2D3DElements {
+class CountingMap : public zeltest::VectorStationMap {
 public:
-    std::vector<CStngMap2D3DElement> elements;
-    std::vector<CStngMapCurved3DDef> curves;  // same index as elements
     int countCalls = 0;
     std::vector<int> elementCalls;
     std::vector<int> curveCalls;
@@ -42,50 +42,23 @@ public:
     int GetElementCount() override
     {
         ++countCalls;
-        return static_cast<int>(elements.size());
+        return VectorStationMap::GetElementCount();
     }
     bool GetElement(int index, CStngMap2D3DElement* element) override
     {
         elementCalls.push_back(index);
-        if (index == refuseElement || index < 0 || index >= static_cast<int>(elements.size())) {
-            return false;
-        }
-        *element = elements[static_cast<size_t>(index)];
-        return true;
+        return index != refuseElement && VectorStationMap::GetElement(index, element);
     }
     bool GetCurvedDef(int index, CStngMapCurved3DDef* curve) override
     {
         curveCalls.push_back(index);
-        if (index == refuseCurve || index < 0 || index >= static_cast<int>(curves.size())) {
-            return false;
-        }
-        *curve = curves[static_cast<size_t>(index)];
-        return true;
+        return index != refuseCurve && VectorStationMap::GetCurvedDef(index, curve);
     }
     void ResetCounts()
     {
         countCalls = 0;
         elementCalls.clear();
         curveCalls.clear();
-    }
-    void AddStraight(double start, double end, double length3D)
-    {
-        CStngMap2D3DElement e;
-        e.StngStart = start;
-        e.StngEnd = end;
-        e.Length3D = length3D;
-        elements.push_back(e);
-        curves.emplace_back();
-    }
-    void AddCurve(double start, double end, double length3D, CStngMapCurved3DDef const& curve)
-    {
-        CStngMap2D3DElement e;
-        e.StngStart = start;
-        e.StngEnd = end;
-        e.Length3D = length3D;
-        e.Curved = true;
-        elements.push_back(e);
-        curves.push_back(curve);
     }
 };
 

@@ -3,6 +3,7 @@
 // station map (which only reads its elements) and shared PIs, radii and
 // stations; every height, slope, length and station must equal the
 // single-threaded one bit for bit.
+#include "common/station_maps.h"
 #include "threads/thread_check.h"
 #include "threads/thread_inputs.h"
 
@@ -50,29 +51,7 @@ std::vector<ProfileCase> ProfileCases(std::uint64_t seed)
 
 // A map held in vectors whose lookups only read, so that one instance can
 // serve every thread.
-class SharedMap : public IStngMap2D3DElements {
-public:
-    std::vector<CStngMap2D3DElement> elements;
-    std::vector<CStngMapCurved3DDef> curves;
-
-    int GetElementCount() override { return static_cast<int>(elements.size()); }
-    bool GetElement(int index, CStngMap2D3DElement* element) override
-    {
-        if (index < 0 || index >= static_cast<int>(elements.size())) {
-            return false;
-        }
-        *element = elements[static_cast<std::size_t>(index)];
-        return true;
-    }
-    bool GetCurvedDef(int index, CStngMapCurved3DDef* curve) override
-    {
-        if (index < 0 || index >= static_cast<int>(curves.size())) {
-            return false;
-        }
-        *curve = curves[static_cast<std::size_t>(index)];
-        return true;
-    }
-};
+using SharedMap = zeltest::VectorStationMap;
 
 // Grade lines alternating between +1.5 % and -1 % with PIs every 400 m from
 // station 10 000, joined by vertical curves of radius 8 000 (circles and
