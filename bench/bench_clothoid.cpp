@@ -2,8 +2,7 @@
 // arithmetic written with bare doubles (the floor), and the point and the
 // perpendicular foot in all four shapes for points on, beside and far from the
 // element.
-#include "clothoid_reference.h"
-#include "transition_elements.h"
+#include "bench_common.h"
 
 #include <zelmath/clothoid.h>
 
@@ -19,7 +18,8 @@ using namespace zelmath;
 using zelbench::ClothoidElement;
 using zelbench::ClothoidPoint;
 
-constexpr std::size_t StationCount = 64;
+using zelbench::StationCount;
+using zelbench::Stations;
 // Largest difference (m, rad) accepted between the library's point and the
 // bare-double point before the comparison is called meaningless.
 constexpr double AgreementTolerance = 1e-6;
@@ -36,16 +36,6 @@ CAxisComplexSpec AsRecord(ClothoidElement const& e)
     spec.End.Radius = e.parameter * e.parameter / (e.endStation - e.startStation);
     CMathComplexShape::GetComplextype(&spec);
     return spec;
-}
-
-std::array<double, StationCount> Stations(ClothoidElement const& e)
-{
-    std::array<double, StationCount> stations{};
-    double const span = e.endStation - e.startStation;
-    for (std::size_t i = 0; i < StationCount; ++i) {
-        stations[i] = e.startStation - 5.0 + (span + 10.0) * static_cast<double>(i) / (StationCount - 1);
-    }
-    return stations;
 }
 
 bool LibraryAgreesWithBare(ClothoidElement const& e, CAxisComplexSpec const& spec)
@@ -89,45 +79,19 @@ BENCHMARK(BM_ClothoidKleinpunkt_Library);
 
 void BM_ClothoidKleinpunkt_Bare(benchmark::State& state)
 {
-    ClothoidElement e = zelbench::RailwayClothoid();
-    auto const stations = Stations(e);
-    std::size_t i = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(e);
-        ClothoidPoint p = zelbench::bare::Kleinpunkt(e, stations[i]);
-        benchmark::DoNotOptimize(p);
-        i = (i + 1) % StationCount;
-    }
+    zelbench::MeasureBareClothoidKleinpunkt(state);
 }
 BENCHMARK(BM_ClothoidKleinpunkt_Bare);
 
 void BM_Clothoid_Kleinpunkt(benchmark::State& state)
 {
-    zelbench::Transition const t = zelbench::RailwayTransition(state.range(0));
-    CALength station(t.MiddleStation());
-    CAxisPointSpec out;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(station);
-        CMathClothoid::Kleinpunkt(t.element, station, &out);
-        benchmark::DoNotOptimize(out);
-    }
-    state.SetLabel("shape " + std::to_string(t.element.ComplexType));
+    zelbench::MeasureTransitionKleinpunkt<CMathClothoid>(state);
 }
 BENCHMARK(BM_Clothoid_Kleinpunkt)->DenseRange(0, 3);
 
 void BM_Clothoid_Lot(benchmark::State& state)
 {
-    zelbench::Transition const t = zelbench::RailwayTransition(state.range(0));
-    CACoordinate p = t.MiddlePoint(zelbench::OffsetFor(state.range(1)));
-    CAxisPointSpec out;
-    int result = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(p);
-        result = CMathClothoid::Lot(t.element, p, &out);
-        benchmark::DoNotOptimize(out);
-    }
-    state.SetLabel("shape " + std::to_string(t.element.ComplexType) + ", " +
-                   zelbench::OffsetLabel(state.range(1)) + ", result " + std::to_string(result));
+    zelbench::MeasureTransitionLot<CMathClothoid>(state);
 }
 BENCHMARK(BM_Clothoid_Lot)->ArgsProduct({{0, 1, 2, 3}, {0, 1, 2}});
 

@@ -1,6 +1,6 @@
 // The straight: point at a station, perpendicular foot for points on, beside
 // and far from it, and the line and segment intersections.
-#include "bench_geometry.h"
+#include "bench_common.h"
 
 #include <zelmath/line.h>
 
@@ -48,14 +48,11 @@ BENCHMARK(BM_Line_Lot)->Arg(0)->Arg(1)->Arg(2);
 
 void BM_Line_IntLineLine(benchmark::State& state)
 {
-    CACoordinate p1 = SurveyOrigin;
-    CACoordinate p2 = zelbench::Along(p1, StartAzimuth, StraightLength);
-    CACoordinate p3 = zelbench::LeftOf(zelbench::Along(p1, StartAzimuth, 100.0), StartAzimuth, 50.0);
-    CACoordinate p4 = zelbench::LeftOf(zelbench::Along(p1, StartAzimuth, 150.0), StartAzimuth, -50.0);
+    zelbench::CrossingLines l = zelbench::CrossingStraight(StraightLength);
     CACoordinate out;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(p3);
-        auto r = CMathLine::IntLineLine(p1, p2, p3, p4, &out);
+        benchmark::DoNotOptimize(l.p3);
+        auto r = CMathLine::IntLineLine(l.p1, l.p2, l.p3, l.p4, &out);
         benchmark::DoNotOptimize(r);
         benchmark::DoNotOptimize(out);
     }
@@ -80,14 +77,11 @@ BENCHMARK(BM_Line_IntLineLineByAzimuth);
 
 void BM_Line_IntLineSegmentLineSegment(benchmark::State& state)
 {
-    CACoordinate p1 = SurveyOrigin;
-    CACoordinate p2 = zelbench::Along(p1, StartAzimuth, StraightLength);
-    CACoordinate p3 = zelbench::LeftOf(zelbench::Along(p1, StartAzimuth, 100.0), StartAzimuth, 50.0);
-    CACoordinate p4 = zelbench::LeftOf(zelbench::Along(p1, StartAzimuth, 150.0), StartAzimuth, -50.0);
+    zelbench::CrossingLines l = zelbench::CrossingStraight(StraightLength);
     CACoordinate out;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(p3);
-        auto r = CMathLine::IntLineSegmentLineSegment(p1, p2, p3, p4, &out);
+        benchmark::DoNotOptimize(l.p3);
+        auto r = CMathLine::IntLineSegmentLineSegment(l.p1, l.p2, l.p3, l.p4, &out);
         benchmark::DoNotOptimize(r);
         benchmark::DoNotOptimize(out);
     }

@@ -1,7 +1,7 @@
 // The cost of the zellib value types against the doubles they hold: the point
 // at a station of a clothoid transition written with bare doubles and with the
 // value types, and the elementary operations of the types.
-#include "clothoid_reference.h"
+#include "bench_common.h"
 
 #include <zellib/zellib.h>
 #include <zelmath/complex_shape.h>
@@ -17,18 +17,8 @@ namespace {
 using zelbench::ClothoidElement;
 using zelbench::ClothoidPoint;
 
-constexpr std::size_t StationCount = 64;
-
-// Stations over the element and a little beyond its ends.
-std::array<double, StationCount> Stations(ClothoidElement const& e)
-{
-    std::array<double, StationCount> stations{};
-    double const span = e.endStation - e.startStation;
-    for (std::size_t i = 0; i < StationCount; ++i) {
-        stations[i] = e.startStation - 5.0 + (span + 10.0) * static_cast<double>(i) / (StationCount - 1);
-    }
-    return stations;
-}
+using zelbench::StationCount;
+using zelbench::Stations;
 
 bool SameBits(ClothoidPoint const& a, ClothoidPoint const& b)
 {
@@ -49,15 +39,7 @@ bool VersionsAgree(ClothoidElement const& e)
 
 void BM_ClothoidKleinpunkt_Bare(benchmark::State& state)
 {
-    ClothoidElement e = zelbench::RailwayClothoid();
-    auto const stations = Stations(e);
-    std::size_t i = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(e);
-        ClothoidPoint p = zelbench::bare::Kleinpunkt(e, stations[i]);
-        benchmark::DoNotOptimize(p);
-        i = (i + 1) % StationCount;
-    }
+    zelbench::MeasureBareClothoidKleinpunkt(state);
 }
 BENCHMARK(BM_ClothoidKleinpunkt_Bare);
 
