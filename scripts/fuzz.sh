@@ -61,7 +61,10 @@ for target in "${targets[@]}"; do
     work="$build_dir/fuzz-corpus/$name"
     mkdir -p "$work"
     max_len=512
-    case "$name" in alignment_* | points_*) max_len=16384 ;; esac
+    case "$name" in
+    alignment_* | points_*) max_len=16384 ;;
+    station_map) max_len=2048 ;; # several elements with their curves
+    esac
     "$binary" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len="$max_len" \
       -print_final_stats=1 -artifact_prefix="$artifacts/$target-" "$work" "$seeds" >"$log" 2>&1 || {
       cat "$log"; echo "$target failed while fuzzing; the input is in $artifacts" >&2; exit 1
