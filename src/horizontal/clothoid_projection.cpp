@@ -14,15 +14,10 @@ namespace {
 constexpr double EndTolerance = 0.0005;
 
 using horizontal_detail::ArcLengthOfRadius;
-using horizontal_detail::EighthStep;
-using horizontal_detail::EighthStepOffset;
+using horizontal_detail::ClampTrialStation;
+using horizontal_detail::DampingDivisor;
 using horizontal_detail::FootTolerance;
-using horizontal_detail::HalfStep;
 using horizontal_detail::MaxFootSteps;
-using horizontal_detail::MaxOffset;
-using horizontal_detail::QuarterStep;
-using horizontal_detail::QuarterStepOffset;
-using horizontal_detail::StationInset;
 
 // Splits v into the distance along a tangent (East, forward positive) and the
 // offset (North, positive to the left). A tangent held pointing backwards is
@@ -147,17 +142,9 @@ TPointMathResult::Type CMathClothoid::Iterate(CAxisComplexSpec const& spec, CALe
     CALength const& ss = spec.Start.Station;
     CALength const& se = spec.End.Station;
 
-    double divisor = HalfStep;
     CALength s = startStation;
     for (int step = 1; step <= MaxFootSteps; ++step) {
-        // Keep the trial station inside the element; on an element shorter
-        // than two clamps the end clamp wins.
-        if (s <= ss) {
-            s = ss + CALength(StationInset);
-        }
-        if (s >= se) {
-            s = se - CALength(StationInset);
-        }
+        ClampTrialStation(s, ss, se);
 
         Kleinpunkt(spec, s, foot);
 
@@ -167,14 +154,8 @@ TPointMathResult::Type CMathClothoid::Iterate(CAxisComplexSpec const& spec, CALe
         CALength const along = q.East();
         CALength const offset = q.North().Absolute();
 
-        divisor = HalfStep;
-        if (offset > QuarterStepOffset) {
-            divisor = QuarterStep;
-        }
-        if (offset > EighthStepOffset) {
-            divisor = EighthStep;
-        }
-        if (offset > MaxOffset) {
+        double const divisor = DampingDivisor(offset);
+        if (divisor == 0.0) {
             return TPointMathResult::NoSolution;
         }
 

@@ -9,16 +9,11 @@ namespace zelmath {
 
 namespace {
 
-using horizontal_detail::EighthStep;
-using horizontal_detail::EighthStepOffset;
+using horizontal_detail::ClampTrialStation;
+using horizontal_detail::DampingDivisor;
 using horizontal_detail::FootTolerance;
-using horizontal_detail::HalfStep;
 using horizontal_detail::LocalToWorld;
 using horizontal_detail::MaxFootSteps;
-using horizontal_detail::MaxOffset;
-using horizontal_detail::QuarterStep;
-using horizontal_detail::QuarterStepOffset;
-using horizontal_detail::StationInset;
 using horizontal_detail::WorldToLocal;
 
 // Stands in for the infinite ordinate of a straight end or a zero chord, and
@@ -169,12 +164,7 @@ TPointMathResult::Type CMathCbcParabol::Iterate(CAxisComplexSpec const& element,
     CALength x = startStation;
     int n = 0;
     for (;;) {
-        if (x <= element.Start.Station) {
-            x = element.Start.Station + CALength(StationInset);
-        }
-        if (x >= element.End.Station) {
-            x = element.End.Station - CALength(StationInset);
-        }
+        ClampTrialStation(x, element.Start.Station, element.End.Station);
 
         Kleinpunkt(element, x, out);
 
@@ -183,14 +173,8 @@ TPointMathResult::Type CMathCbcParabol::Iterate(CAxisComplexSpec const& element,
         CACoordinate q = point - out->Coordinate;
         q.Rotate(WorldToLocal(out->Azimuth));
 
-        double divisor = HalfStep;
-        if (q.North().Absolute() > QuarterStepOffset) {
-            divisor = QuarterStep;
-        }
-        if (q.North().Absolute() > EighthStepOffset) {
-            divisor = EighthStep;
-        }
-        if (q.North().Absolute() > MaxOffset) {
+        double const divisor = DampingDivisor(q.North().Absolute());
+        if (divisor == 0.0) {
             return TPointMathResult::NoSolution;
         }
 

@@ -52,6 +52,37 @@ constexpr double EighthStepOffset = 1000.0;  // metres
 constexpr double MaxOffset = 2000.0;         // metres
 constexpr int MaxFootSteps = 3000;
 
+// Brings the trial station of a foot search StationInset inside the element:
+// the start test comes first, so on an element shorter than two insets the end
+// clamp wins. Both tests are value comparisons.
+inline void ClampTrialStation(CALength& station, CALength const& start, CALength const& end)
+{
+    if (station <= start) {
+        station = start + CALength(StationInset);
+    }
+    if (station >= end) {
+        station = end - CALength(StationInset);
+    }
+}
+
+// Divisor of the damped step (cubic parabola and clothoid) for a measured point
+// lying `offset` (a magnitude) across the tangent; 0 when it lies too far off
+// for a foot to be sought.
+inline double DampingDivisor(CALength const& offset)
+{
+    double divisor = HalfStep;
+    if (offset > QuarterStepOffset) {
+        divisor = QuarterStep;
+    }
+    if (offset > EighthStepOffset) {
+        divisor = EighthStep;
+    }
+    if (offset > MaxOffset) {
+        return 0.0;
+    }
+    return divisor;
+}
+
 // Arc length from the origin at which the clothoid of parameter A reaches
 // radius R: A^2 / |R|, 0 for a straight (R exactly 0).
 inline CALength ArcLengthOfRadius(CALength const& A, CALength const& R)

@@ -12,9 +12,9 @@ namespace {
 using zellib::CAPi;
 using zellib::CAPidiv2;
 
+using horizontal_detail::ClampTrialStation;
 using horizontal_detail::FootTolerance;
 using horizontal_detail::LocalToWorld;
-using horizontal_detail::StationInset;
 using horizontal_detail::WorldToLocal;
 
 // Stands in for the infinite constants of a zero span or a straight end.
@@ -159,12 +159,7 @@ TPointMathResult::Type CMathHalfSin::Iterate(CAxisComplexSpec const& element,
     CALength x = startStation;
     int n = 0;
     for (;;) {
-        if (x <= element.Start.Station) {
-            x = element.Start.Station + CALength(StationInset);
-        }
-        if (x >= element.End.Station) {
-            x = element.End.Station - CALength(StationInset);
-        }
+        ClampTrialStation(x, element.Start.Station, element.End.Station);
 
         Kleinpunkt(element, x, out);
 
