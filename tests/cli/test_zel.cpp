@@ -13,7 +13,7 @@
 
 namespace {
 
-std::string const ZelProgram = std::string(ZEL_BINARY_DIR) + "/tools/zel";
+std::string const ZelProgram = ZEL_PROGRAM;
 std::string const Sample = std::string(ZEL_SOURCE_DIR) + "/data/sample/";
 
 struct Result {
