@@ -1,7 +1,7 @@
 // Stationing throughput of the alignment layer on the shipped sample: every
 // measured point of data/sample/points.csv projected onto the sample
 // alignment, on one thread and on all hardware threads.
-#include <zelalign/landxml.h>
+#include <zelalign/readers/landxml.h>
 
 #include <benchmark/benchmark.h>
 
@@ -15,7 +15,7 @@
 namespace {
 
 struct Sample {
-    zelalign::ImportedAlignment alignment;
+    zelalign::Alignment alignment;
     std::vector<std::pair<double, double>> points;  // east, north
 };
 
@@ -44,7 +44,7 @@ void ProjectSlice(Sample const& s, std::size_t begin, std::size_t end, double* s
 {
     double sum = 0.0;
     for (std::size_t i = begin; i < end; ++i) {
-        zelalign::Projection const p = s.alignment.horizontal.Project(s.points[i].first, s.points[i].second);
+        zelalign::Projection const p = s.alignment.Horizontal().Project(s.points[i].first, s.points[i].second);
         sum += p.foot.station;
     }
     *sink = sum;

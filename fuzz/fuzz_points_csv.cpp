@@ -2,7 +2,7 @@
 // Every row must come back as a point with finite coordinates, or as a
 // malformed row whose message names the file and its line; line numbers only
 // grow. Anything else (an exception, a crash, a sanitizer report) is a bug.
-#include <zelalign/points_csv.h>
+#include <zelalign/readers/points_csv.h>
 
 #include "fuzz_input.h"
 

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <zelalign/error.h>
 #include <zelalign/horizontal.h>
 
 using zelalign::AlignmentPoint;
@@ -43,9 +44,9 @@ HorizontalAlignment Sample(double ox = 0.0, double oy = 0.0)
 
 TEST(HorizontalAlignment, RejectsEmptyChainAndZeroLength)
 {
-    EXPECT_THROW(HorizontalAlignment(std::vector<HorizontalElement>{}), std::invalid_argument);
+    EXPECT_THROW(HorizontalAlignment(std::vector<HorizontalElement>{}), zelalign::DataError);
     std::vector<HorizontalElement> e{HorizontalElement::Line(0.0, 0.0, CACoordinate(0, 0), CACoordinate(0, 0))};
-    EXPECT_THROW(HorizontalAlignment{e}, std::invalid_argument);
+    EXPECT_THROW(HorizontalAlignment{e}, zelalign::DataError);
 }
 
 TEST(HorizontalAlignment, StationRangeAndElementLookup)
@@ -235,13 +236,13 @@ TEST(HorizontalAlignment, JointsOfAConsistentChainMeet)
     EXPECT_NEAR(gaps[0].gap, 0.005, 1e-6);
 }
 
-TEST(HorizontalAlignment, NonFinitePointGivesNoSolution)
+TEST(HorizontalAlignment, NonFinitePointIsInvalid)
 {
     HorizontalAlignment const a = Sample();
     Projection const r = a.Project(std::nan(""), 1.0);
-    EXPECT_EQ(r.status, ProjectionStatus::NoSolution);
+    EXPECT_EQ(r.status, ProjectionStatus::Invalid);
     Projection const r2 = a.Project(std::numeric_limits<double>::infinity(), 1.0);
-    EXPECT_EQ(r2.status, ProjectionStatus::NoSolution);
+    EXPECT_EQ(r2.status, ProjectionStatus::Invalid);
 }
 
 namespace {
@@ -346,9 +347,9 @@ TEST(HorizontalAlignment, TransitionsTheElementClassesDoNotHandleAreRejected)
     // A cubic parabola between two curves.
     std::vector<HorizontalElement> e{HorizontalElement::Transition(ElementType::CubicParabola, 0.0, 50.0,
                                                                    CACoordinate(0, 0), CACoordinate(0, 50), 600.0, 300.0)};
-    EXPECT_THROW(HorizontalAlignment{e}, std::invalid_argument);
+    EXPECT_THROW(HorizontalAlignment{e}, zelalign::DataError);
     e[0].type = ElementType::HalfSine;
-    EXPECT_THROW(HorizontalAlignment{e}, std::invalid_argument);
+    EXPECT_THROW(HorizontalAlignment{e}, zelalign::DataError);
     e[0].type = ElementType::Clothoid;
     EXPECT_NO_THROW(HorizontalAlignment{e});
 }

@@ -1,7 +1,7 @@
 // Reading measured points from CSV: rows with and without height, blanks
 // around fields, header and blank rows, carriage returns, and every kind of
 // malformed row with the file and line it is reported at.
-#include <zelalign/points_csv.h>
+#include <zelalign/readers/points_csv.h>
 
 #include <gtest/gtest.h>
 

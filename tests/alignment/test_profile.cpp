@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <zelalign/error.h>
 #include <zelalign/profile.h>
 
 using zelalign::ProfilePoint;
@@ -101,23 +102,23 @@ TEST(VerticalProfile, SagCurveLiesAboveItsPvi)
 
 TEST(VerticalProfile, RejectsBrokenProfiles)
 {
-    EXPECT_THROW(VerticalProfile({{0.0, 1.0, VerticalCurveType::None, 0.0}}), std::invalid_argument);
+    EXPECT_THROW(VerticalProfile({{0.0, 1.0, VerticalCurveType::None, 0.0}}), zelalign::DataError);
     EXPECT_THROW(VerticalProfile({{0.0, 1.0, VerticalCurveType::None, 0.0}, {0.0, 2.0, VerticalCurveType::None, 0.0}}),
-                 std::invalid_argument);
+                 zelalign::DataError);
     EXPECT_THROW(VerticalProfile({{0.0, 1.0, VerticalCurveType::Circle, 100.0},
                                   {10.0, 2.0, VerticalCurveType::None, 0.0}}),
-                 std::invalid_argument);
+                 zelalign::DataError);
     // Collinear PVIs: a circle cannot be fitted.
     EXPECT_THROW(VerticalProfile({{0.0, 0.0, VerticalCurveType::None, 0.0},
                                   {100.0, 1.0, VerticalCurveType::Circle, 1000.0},
                                   {200.0, 2.0, VerticalCurveType::None, 0.0}}),
-                 std::invalid_argument);
+                 zelalign::DataError);
     // A curve too long for its grades.
-    EXPECT_THROW(Crest(VerticalCurveType::Parabola, 50000.0), std::invalid_argument);
+    EXPECT_THROW(Crest(VerticalCurveType::Parabola, 50000.0), zelalign::DataError);
     // Two curves that overlap.
     EXPECT_THROW(VerticalProfile({{0.0, 100.0, VerticalCurveType::None, 0.0},
                                   {100.0, 102.0, VerticalCurveType::Parabola, 4000.0},
                                   {150.0, 100.0, VerticalCurveType::Parabola, 4000.0},
                                   {300.0, 103.0, VerticalCurveType::None, 0.0}}),
-                 std::invalid_argument);
+                 zelalign::DataError);
 }

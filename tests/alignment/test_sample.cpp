@@ -10,11 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include <zelalign/landxml.h>
+#include <zelalign/readers/landxml.h>
 
 using zelalign::AlignmentPoint;
 using zelalign::ElementType;
-using zelalign::ImportedAlignment;
+using zelalign::Alignment;
 using zelalign::Projection;
 using zelalign::ProjectionStatus;
 
@@ -22,9 +22,9 @@ namespace {
 
 std::string const SampleDir = std::string(ZEL_SOURCE_DIR) + "/data/sample/";
 
-ImportedAlignment const& Sample()
+Alignment const& Sample()
 {
-    static ImportedAlignment const a = zelalign::ReadLandXml(SampleDir + "alignment.xml");
+    static Alignment const a = zelalign::ReadLandXml(SampleDir + "alignment.xml");
     return a;
 }
 
@@ -36,16 +36,16 @@ struct Expected {
 
 TEST(SampleAlignment, ImportsEveryElementTypeWithoutWarnings)
 {
-    ImportedAlignment const& a = Sample();
-    EXPECT_EQ(a.name, "Track 1");
-    ASSERT_EQ(a.horizontal.Size(), 17u);
-    for (std::string const& w : a.warnings) {
+    Alignment const& a = Sample();
+    EXPECT_EQ(a.Name(), "Track 1");
+    ASSERT_EQ(a.Horizontal().Size(), 17u);
+    for (std::string const& w : a.Warnings()) {
         ADD_FAILURE() << w;
     }
     std::map<ElementType, int> count;
     bool left = false;
     bool right = false;
-    for (auto const& e : a.horizontal.Elements()) {
+    for (auto const& e : a.Horizontal().Elements()) {
         ++count[e.type];
         if (e.type == ElementType::Arc) {
             (e.spec.Start.Radius.Double() > 0 ? right : left) = true;
@@ -57,36 +57,36 @@ TEST(SampleAlignment, ImportsEveryElementTypeWithoutWarnings)
     EXPECT_EQ(count[ElementType::CubicParabola], 1);
     EXPECT_EQ(count[ElementType::HalfSine], 2);
     EXPECT_TRUE(left && right);
-    EXPECT_DOUBLE_EQ(a.horizontal.StartStation(), 12400.0);
-    EXPECT_DOUBLE_EQ(a.horizontal.EndStation(), 16150.0);
-    EXPECT_EQ(a.profile.Points().size(), 5u);
+    EXPECT_DOUBLE_EQ(a.Horizontal().StartStation(), 12400.0);
+    EXPECT_DOUBLE_EQ(a.Horizontal().EndStation(), 16150.0);
+    EXPECT_EQ(a.Profile().Points().size(), 5u);
 }
 
 TEST(SampleAlignment, ElementEndsMeet)
 {
-    ImportedAlignment const& a = Sample();
-    EXPECT_TRUE(a.horizontal.CheckJoints(0.0005).empty());
+    Alignment const& a = Sample();
+    EXPECT_TRUE(a.Horizontal().CheckJoints(0.0005).empty());
     // Tangents agree at every joint as well (a continuous alignment).
-    for (std::size_t i = 0; i + 1 < a.horizontal.Size(); ++i) {
-        double const s = a.horizontal.Elements()[i].EndStation();
-        AlignmentPoint const end = a.horizontal.ElementPoint(static_cast<int>(i), s);
-        AlignmentPoint const start = a.horizontal.ElementPoint(static_cast<int>(i) + 1, s);
+    for (std::size_t i = 0; i + 1 < a.Horizontal().Size(); ++i) {
+        double const s = a.Horizontal().Elements()[i].EndStation();
+        AlignmentPoint const end = a.Horizontal().ElementPoint(static_cast<int>(i), s);
+        AlignmentPoint const start = a.Horizontal().ElementPoint(static_cast<int>(i) + 1, s);
         EXPECT_NEAR(std::remainder(end.azimuth - start.azimuth, 2.0 * 3.14159265358979323846), 0.0, 2e-5) << "joint " << i;
     }
 }
 
 TEST(SampleAlignment, PointAtStationProjectsBackToThatStation)
 {
-    ImportedAlignment const& a = Sample();
+    Alignment const& a = Sample();
     std::mt19937_64 rng(7);
-    std::uniform_real_distribution<double> station(a.horizontal.StartStation(), a.horizontal.EndStation());
+    std::uniform_real_distribution<double> station(a.Horizontal().StartStation(), a.Horizontal().EndStation());
     std::uniform_real_distribution<double> side(-8.0, 8.0);
     for (int k = 0; k < 1500; ++k) {
         double const s = station(rng);
         AlignmentPoint p;
-        ASSERT_TRUE(a.horizontal.PointAt(s, &p));
+        ASSERT_TRUE(a.Horizontal().PointAt(s, &p));
         double const d = side(rng);
-        Projection const r = a.horizontal.Project(p.east + d * std::cos(p.azimuth), p.north - d * std::sin(p.azimuth));
+        Projection const r = a.Horizontal().Project(p.east + d * std::cos(p.azimuth), p.north - d * std::sin(p.azimuth));
         ASSERT_EQ(r.status, ProjectionStatus::OnElement) << "station " << s;
         EXPECT_NEAR(r.foot.station, s, 1e-3) << "element " << p.element;
         EXPECT_NEAR(r.offset, d, 1e-3) << "element " << p.element;
@@ -95,7 +95,7 @@ TEST(SampleAlignment, PointAtStationProjectsBackToThatStation)
 
 TEST(SampleAlignment, MeasuredPointsLieWhereTheyWereLaidOut)
 {
-    ImportedAlignment const& a = Sample();
+    Alignment const& a = Sample();
     std::ifstream expectedFile(SampleDir + "points_expected.csv");
     std::ifstream pointsFile(SampleDir + "points.csv");
     ASSERT_TRUE(expectedFile && pointsFile);
@@ -122,7 +122,7 @@ TEST(SampleAlignment, MeasuredPointsLieWhereTheyWereLaidOut)
         double north = 0.0;
         std::getline(in, id, ',');
         in >> east >> comma >> north;
-        Projection const r = a.horizontal.Project(east, north);
+        Projection const r = a.Horizontal().Project(east, north);
         auto const it = expected.find(id);
         if (it == expected.end()) {
             // The points laid out before the start and beyond the end.
@@ -136,7 +136,7 @@ TEST(SampleAlignment, MeasuredPointsLieWhereTheyWereLaidOut)
         EXPECT_NEAR(r.offset, it->second.offset, 1e-3) << id << " on element " << r.foot.element;
         double h = 0.0;
         double g = 0.0;
-        ASSERT_TRUE(a.profile.HeightAt(r.foot.station, &h, &g));
+        ASSERT_TRUE(a.Profile().HeightAt(r.foot.station, &h, &g));
         EXPECT_NEAR(h, it->second.height, 1e-3) << id;
     }
     EXPECT_EQ(checked, 3000);

@@ -76,7 +76,7 @@ std::string const Alignment =
     "</Alignment></Alignments></LandXML>\n";
 
 std::string const Header =
-    "id,element,type,station,offset,azimuth_gon,radius,design_height,height_difference,tunnel_metre,status";
+    "id,element,type,station,offset_right,azimuth_gon,radius,design_height,height_difference,tunnel_metre,status";
 
 class ZelCli : public ::testing::Test {
 protected:

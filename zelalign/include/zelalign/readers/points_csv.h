@@ -10,6 +10,8 @@
 #include <istream>
 #include <string>
 
+#include <zelalign/zelalign_export.h>
+
 namespace zelalign {
 
 struct MeasuredPoint {
@@ -21,11 +23,11 @@ struct MeasuredPoint {
 
 // Reads one row into point. Returns an empty string when the row is good,
 // otherwise what is wrong with it (point is then partly written).
-std::string ParsePointRow(std::string const& line, MeasuredPoint* point);
+ZELALIGN_EXPORT std::string ParsePointRow(std::string const& line, MeasuredPoint* point);
 
 // Reads the rows of a points file one after the other, so that a file of any
 // length can be processed in bounded memory.
-class PointsCsvReader {
+class ZELALIGN_EXPORT PointsCsvReader {
 public:
     enum class Row { Point, Malformed, End };
 

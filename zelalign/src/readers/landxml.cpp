@@ -1,9 +1,10 @@
 // LandXML 1.2 import of horizontal alignments and vertical profiles.
-#include <zelalign/landxml.h>
+#include <zelalign/readers/landxml.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -46,18 +47,29 @@ pugi::xml_node Child(pugi::xml_node node, char const* name)
 
 class Reader {
 public:
-    Reader(std::string const& text, std::string source) : m_text(text), m_source(std::move(source)) {}
+    Reader(std::string const& text, std::string source) : m_text(text), m_source(std::move(source))
+    {
+        m_lineStarts.push_back(0);
+        for (std::size_t i = 0; i < m_text.size(); ++i) {
+            if (m_text[i] == '\n') {
+                m_lineStarts.push_back(i + 1);
+            }
+        }
+    }
 
-    ImportedAlignment Read(std::string const& name);
+    Alignment Read(std::string const& name, TunnelMetreReference const& reference);
+    std::vector<std::string> Names();
 
 private:
+    // Line (from 1) of a byte offset into the text, from the table of line
+    // starts: a binary search, so that reading stays linear in the file size.
     int LineOf(std::ptrdiff_t offset) const
     {
         if (offset < 0) {
             return 0;
         }
-        auto const end = m_text.begin() + std::min<std::ptrdiff_t>(offset, static_cast<std::ptrdiff_t>(m_text.size()));
-        return 1 + static_cast<int>(std::count(m_text.begin(), end, '\n'));
+        auto const it = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), static_cast<std::size_t>(offset));
+        return static_cast<int>(it - m_lineStarts.begin());
     }
     int LineOf(pugi::xml_node node) const { return LineOf(node.offset_debug()); }
 
@@ -154,7 +166,10 @@ private:
     HorizontalElement ReadSpiral(pugi::xml_node node, double station);
     VerticalProfile ReadProfile(pugi::xml_node profAlign);
 
+    pugi::xml_node Root(pugi::xml_document& doc);
+
     std::string const& m_text;
+    std::vector<std::size_t> m_lineStarts;  // offset of the first character of each line
     std::string m_source;
     std::vector<std::string> m_warnings;
 };
@@ -328,16 +343,18 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign)
     }
     try {
         return VerticalProfile(points);
-    } catch (std::invalid_argument const& e) {
+    } catch (DataError const& e) {
         Fail(profAlign, e.what());
     }
 }
 
-ImportedAlignment Reader::Read(std::string const& name)
+pugi::xml_node Reader::Root(pugi::xml_document& doc)
 {
-    pugi::xml_document doc;
     pugi::xml_parse_result const parsed =
         doc.load_buffer(m_text.data(), m_text.size(), pugi::parse_default, pugi::encoding_utf8);
+    if (parsed.status == pugi::status_out_of_memory) {
+        throw LandXmlError(m_source + ": out of memory while reading the file");
+    }
     if (!parsed) {
         throw LandXmlError(m_source + ":" + std::to_string(LineOf(parsed.offset)) +
                            ": not well-formed XML: " + parsed.description());
@@ -346,6 +363,31 @@ ImportedAlignment Reader::Read(std::string const& name)
     if (!root || std::strcmp(LocalName(root), "LandXML") != 0) {
         throw LandXmlError(m_source + ":" + std::to_string(LineOf(root)) + ": the root element is not <LandXML>");
     }
+    return root;
+}
+
+std::vector<std::string> Reader::Names()
+{
+    pugi::xml_document doc;
+    pugi::xml_node root = Root(doc);
+    std::vector<std::string> names;
+    for (pugi::xml_node group = root.first_child(); group; group = group.next_sibling()) {
+        if (group.type() != pugi::node_element || std::strcmp(LocalName(group), "Alignments") != 0) {
+            continue;
+        }
+        for (pugi::xml_node a = group.first_child(); a; a = a.next_sibling()) {
+            if (a.type() == pugi::node_element && std::strcmp(LocalName(a), "Alignment") == 0) {
+                names.emplace_back(a.attribute("name").value());
+            }
+        }
+    }
+    return names;
+}
+
+Alignment Reader::Read(std::string const& name, TunnelMetreReference const& reference)
+{
+    pugi::xml_document doc;
+    pugi::xml_node root = Root(doc);
     pugi::xml_node alignment;
     for (pugi::xml_node group = root.first_child(); group && !alignment; group = group.next_sibling()) {
         if (group.type() != pugi::node_element || std::strcmp(LocalName(group), "Alignments") != 0) {
@@ -363,8 +405,11 @@ ImportedAlignment Reader::Read(std::string const& name)
         throw LandXmlError(m_source + ":" + std::to_string(LineOf(root)) + ": <LandXML>: no <Alignment>" +
                            (name.empty() ? std::string() : " named '" + name + "'") + " in <Alignments>");
     }
-    ImportedAlignment result;
-    result.name = alignment.attribute("name").value();
+    std::string const alignmentName = alignment.attribute("name").value();
+    HorizontalAlignment horizontal;
+    VerticalProfile profile;
+    AlignmentSource source;
+    source.path = m_source;
     pugi::xml_node geometry = Child(alignment, "CoordGeom");
     if (!geometry) {
         Fail(alignment, "<CoordGeom> is missing");
@@ -393,7 +438,7 @@ ImportedAlignment Reader::Read(std::string const& name)
         }
         try {
             HorizontalAlignment single(std::vector<HorizontalElement>{element});
-        } catch (std::invalid_argument const& e) {
+        } catch (DataError const& e) {
             std::string message = e.what();
             std::string const prefix = "element 0 ";
             if (message.compare(0, prefix.size(), prefix) == 0) {
@@ -423,11 +468,11 @@ ImportedAlignment Reader::Read(std::string const& name)
         Fail(geometry, "the alignment has no elements");
     }
     try {
-        result.horizontal = HorizontalAlignment(elements);
-    } catch (std::invalid_argument const& e) {
+        horizontal = HorizontalAlignment(elements);
+    } catch (DataError const& e) {
         Fail(geometry, e.what());
     }
-    for (JointGap const& gap : result.horizontal.CheckJoints(JointWarningTolerance)) {
+    for (JointGap const& gap : horizontal.CheckJoints(JointWarningTolerance)) {
         std::ostringstream msg;
         msg.precision(1);
         msg << std::fixed << "computed end at station " << gap.station << " misses the next element's start by "
@@ -435,33 +480,63 @@ ImportedAlignment Reader::Read(std::string const& name)
         Warn(nodes[static_cast<std::size_t>(gap.element)], msg.str());
     }
     for (pugi::xml_node node : nodes) {
-        result.lines.push_back(LineOf(node));
+        source.elementLines.push_back(LineOf(node));
     }
-    if (pugi::xml_node profile = Child(alignment, "Profile")) {
-        if (pugi::xml_node profAlign = Child(profile, "ProfAlign")) {
-            result.profile = ReadProfile(profAlign);
+    if (pugi::xml_node profileNode = Child(alignment, "Profile")) {
+        if (pugi::xml_node profAlign = Child(profileNode, "ProfAlign")) {
+            profile = ReadProfile(profAlign);
         }
     }
-    result.warnings = m_warnings;
-    return result;
+    source.warnings = m_warnings;
+    try {
+        return Alignment(alignmentName, std::move(horizontal), std::move(profile), reference, std::move(source));
+    } catch (DataError const& e) {
+        Fail(alignment, e.what());
+    }
 }
 
 }  // namespace
 
-ImportedAlignment ParseLandXml(std::string const& text, std::string const& sourceName, std::string const& name)
+Alignment ParseLandXml(std::string const& text, std::string const& sourceName, std::string const& name,
+                       TunnelMetreReference const& reference)
 {
     Reader reader(text, sourceName);
-    return reader.Read(name);
+    return reader.Read(name, reference);
 }
 
-ImportedAlignment ReadLandXml(std::string const& path, std::string const& name)
+std::vector<std::string> LandXmlAlignmentNames(std::string const& text, std::string const& sourceName)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        throw LandXmlError(path + ": cannot open the file");
+    Reader reader(text, sourceName);
+    return reader.Names();
+}
+
+std::string ReadTextFile(std::string const& path)
+{
+    std::FILE* f = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
+    std::string const name = path == "-" ? std::string("standard input") : path;
+    if (f == nullptr) {
+        throw IoError(name + ": cannot open the file: " + std::strerror(errno));
     }
-    std::string const text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    return ParseLandXml(text, path, name);
+    std::string text;
+    char buffer[1 << 16];
+    std::size_t n = 0;
+    while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0) {
+        text.append(buffer, n);
+    }
+    bool const failed = std::ferror(f) != 0;
+    int const error = errno;
+    if (f != stdin) {
+        std::fclose(f);
+    }
+    if (failed) {
+        throw IoError(name + ": cannot read the file: " + std::strerror(error));
+    }
+    return text;
+}
+
+Alignment ReadLandXml(std::string const& path, std::string const& name, TunnelMetreReference const& reference)
+{
+    return ParseLandXml(ReadTextFile(path), path == "-" ? std::string("standard input") : path, name, reference);
 }
 
 }  // namespace zelalign

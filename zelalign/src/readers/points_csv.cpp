@@ -1,4 +1,4 @@
-#include <zelalign/points_csv.h>
+#include <zelalign/readers/points_csv.h>
 
 #include <cmath>
 #include <cstdlib>

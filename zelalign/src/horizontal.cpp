@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <stdexcept>
+#include <zelalign/error.h>
 #include <string>
 #include <utility>
 
@@ -65,6 +65,8 @@ char const* ProjectionStatusName(ProjectionStatus status)
         return "beyond_end";
     case ProjectionStatus::NoSolution:
         return "no_solution";
+    case ProjectionStatus::Invalid:
+        return "invalid";
     }
     return "unknown";
 }
@@ -115,36 +117,36 @@ HorizontalElement HorizontalElement::Transition(ElementType type, double startSt
 HorizontalAlignment::HorizontalAlignment(std::vector<HorizontalElement> elements) : m_elements(std::move(elements))
 {
     if (m_elements.empty()) {
-        throw std::invalid_argument("the alignment has no elements");
+        throw DataError("the alignment has no elements");
     }
     for (std::size_t i = 0; i < m_elements.size(); ++i) {
         HorizontalElement& e = m_elements[i];
         std::string const where = "element " + std::to_string(i) + " (" + ElementTypeName(e.type) + ")";
         double const length = e.Length();
         if (!std::isfinite(e.StartStation()) || !std::isfinite(length) || !(length > 0.0)) {
-            throw std::invalid_argument(where + ": length must be positive and finite");
+            throw DataError(where + ": length must be positive and finite");
         }
         double const coords[] = {e.spec.Start.Coordinate.East().Double(), e.spec.Start.Coordinate.North().Double(),
                                  e.spec.End.Coordinate.East().Double(), e.spec.End.Coordinate.North().Double(),
                                  e.spec.Start.Radius.Double(), e.spec.End.Radius.Double()};
         for (double v : coords) {
             if (!std::isfinite(v)) {
-                throw std::invalid_argument(where + ": coordinates and radii must be finite");
+                throw DataError(where + ": coordinates and radii must be finite");
             }
         }
         if (e.type == ElementType::Arc && e.spec.Start.Radius.Double() == 0.0) {
-            throw std::invalid_argument(where + ": an arc needs a radius");
+            throw DataError(where + ": an arc needs a radius");
         }
         if (e.type != ElementType::Line && e.type != ElementType::Arc) {
             zelmath::CMathComplexShape::GetComplextype(&e.spec);
         }
         if (!detail::TransitionSupported(e)) {
-            throw std::invalid_argument(where + ": this transition between radii " +
+            throw DataError(where + ": this transition between radii " +
                                         std::to_string(e.spec.Start.Radius.Double()) + " and " +
                                         std::to_string(e.spec.End.Radius.Double()) + " is not supported");
         }
         if (i > 0 && e.StartStation() < m_elements[i - 1].EndStation() - 1e-6) {
-            throw std::invalid_argument(where + ": starts at station " + std::to_string(e.StartStation()) +
+            throw DataError(where + ": starts at station " + std::to_string(e.StartStation()) +
                                         ", before the end of the previous element");
         }
     }
@@ -279,8 +281,13 @@ Projection HorizontalAlignment::Project(double east, double north) const
 {
     Projection best;
     best.distance = std::numeric_limits<double>::infinity();
-    if (m_elements.empty() || !std::isfinite(east) || !std::isfinite(north)) {
+    if (!std::isfinite(east) || !std::isfinite(north)) {
+        best.status = ProjectionStatus::Invalid;
+    }
+    if (m_elements.empty() || best.status == ProjectionStatus::Invalid) {
         best.distance = std::numeric_limits<double>::quiet_NaN();
+        best.offset = std::numeric_limits<double>::quiet_NaN();
+        best.along = std::numeric_limits<double>::quiet_NaN();
         return best;
     }
     CACoordinate const p(east, north);

@@ -16,18 +16,20 @@
 
 #include <zelmath/records.h>
 
+#include <zelalign/zelalign_export.h>
+
 namespace zelalign {
 
 enum class ElementType { Line, Arc, Clothoid, CubicParabola, HalfSine };
 
 // Short lower-case name of an element type ("line", "arc", "clothoid",
 // "cubic_parabola", "half_sine").
-char const* ElementTypeName(ElementType type);
+ZELALIGN_EXPORT char const* ElementTypeName(ElementType type);
 
 // One element of the chain. For a straight and an arc both radii of the record
 // hold the element's radius (0 for the straight); the transitions are
 // classified with CMathComplexShape::GetComplextype when the alignment is built.
-struct HorizontalElement {
+struct ZELALIGN_EXPORT HorizontalElement {
     ElementType type = ElementType::Line;
     zelmath::CAxisComplexSpec spec;
 
@@ -62,11 +64,13 @@ enum class ProjectionStatus {
     Kink,         // the point lies in the wedge outside a kink between two elements: the joint is reported
     BeforeStart,  // before the alignment's start: the start point is reported
     BeyondEnd,    // beyond the alignment's end: the end point is reported
-    NoSolution    // no element gave a foot
+    NoSolution,   // no element gave a foot
+    Invalid       // the point's coordinates are not finite
 };
 
-// Short lower-case name of a status ("on", "kink", "before_start", "beyond_end", "no_solution").
-char const* ProjectionStatusName(ProjectionStatus status);
+// Short lower-case name of a status ("on", "kink", "before_start", "beyond_end",
+// "no_solution", "invalid").
+ZELALIGN_EXPORT char const* ProjectionStatusName(ProjectionStatus status);
 
 // The result of projecting a measured point onto the alignment. For OnElement
 // the offset is the signed perpendicular distance to the foot. For the other
@@ -90,7 +94,7 @@ struct JointGap {
     double gap = 0.0;  // metres
 };
 
-class HorizontalAlignment {
+class ZELALIGN_EXPORT HorizontalAlignment {
 public:
     HorizontalAlignment() = default;
 

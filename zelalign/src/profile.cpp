@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <stdexcept>
+#include <zelalign/error.h>
 #include <string>
 
 #include <zelmath/long_prof_curve.h>
@@ -31,19 +31,19 @@ VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis) : m_pvis(std::m
 {
     std::size_t const n = m_pvis.size();
     if (n < 2) {
-        throw std::invalid_argument("a profile needs at least two PVIs");
+        throw DataError("a profile needs at least two PVIs");
     }
     for (std::size_t i = 0; i < n; ++i) {
         ProfilePoint const& p = m_pvis[i];
         std::string const where = "PVI " + std::to_string(i) + " at station " + std::to_string(p.station);
         if (!std::isfinite(p.station) || !std::isfinite(p.height) || !std::isfinite(p.radius)) {
-            throw std::invalid_argument(where + ": station, height and radius must be finite");
+            throw DataError(where + ": station, height and radius must be finite");
         }
         if (i > 0 && !(p.station > m_pvis[i - 1].station)) {
-            throw std::invalid_argument(where + ": stations must increase");
+            throw DataError(where + ": stations must increase");
         }
         if ((i == 0 || i + 1 == n) && p.curve != VerticalCurveType::None) {
-            throw std::invalid_argument(where + ": the first and the last PVI cannot carry a vertical curve");
+            throw DataError(where + ": the first and the last PVI cannot carry a vertical curve");
         }
     }
     m_curveStart.resize(n);
@@ -58,7 +58,7 @@ VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis) : m_pvis(std::m
         }
         std::string const where = "PVI " + std::to_string(i) + " at station " + std::to_string(p.station);
         if (!(std::fabs(p.radius) > 0.0)) {
-            throw std::invalid_argument(where + ": the vertical curve needs a radius");
+            throw DataError(where + ": the vertical curve needs a radius");
         }
         CACoordinate ts;
         CACoordinate te;
@@ -73,19 +73,19 @@ VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis) : m_pvis(std::m
                                                                     CALength(p.radius), ts, te, length);
         }
         if (!ok || !std::isfinite(ts.East().Double()) || !std::isfinite(te.East().Double())) {
-            throw std::invalid_argument(where + ": the vertical curve cannot be set up (grades equal?)");
+            throw DataError(where + ": the vertical curve cannot be set up (grades equal?)");
         }
         m_curveStart[i] = ts.East().Double();
         m_curveEnd[i] = te.East().Double();
         curveLength[i] = length.Double();
         if (m_curveStart[i] < m_pvis[i - 1].station - TangentPointTolerance ||
             m_curveEnd[i] > m_pvis[i + 1].station + TangentPointTolerance) {
-            throw std::invalid_argument(where + ": the vertical curve reaches past its neighbouring PVIs");
+            throw DataError(where + ": the vertical curve reaches past its neighbouring PVIs");
         }
     }
     for (std::size_t i = 1; i < n; ++i) {
         if (m_curveStart[i] < m_curveEnd[i - 1] - TangentPointTolerance) {
-            throw std::invalid_argument("PVI " + std::to_string(i) + " at station " +
+            throw DataError("PVI " + std::to_string(i) + " at station " +
                                         std::to_string(m_pvis[i].station) +
                                         ": the vertical curve overlaps the one before");
         }

@@ -11,10 +11,11 @@
 #include <vector>
 
 #include <zelalign/profile.h>
+#include <zelalign/zelalign_export.h>
 
 namespace zelalign {
 
-class TunnelMetreMap {
+class ZELALIGN_EXPORT TunnelMetreMap {
 public:
     // Without a profile, tunnel metres run one to one with the stations from
     // the reference.

@@ -7,6 +7,8 @@
 
 #include <vector>
 
+#include <zelalign/zelalign_export.h>
+
 namespace zelalign {
 
 enum class VerticalCurveType { None, Circle, Parabola };
@@ -26,7 +28,7 @@ struct ProfileStretch {
     int pvi = -1;           // the PVI whose curve this is; -1 for a grade line
 };
 
-class VerticalProfile {
+class ZELALIGN_EXPORT VerticalProfile {
 public:
     VerticalProfile() = default;
 

@@ -1,0 +1,101 @@
+// zel point: the design point at stations (setting out).
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <zelalign/error.h>
+#include <zelalign/set_out.h>
+
+#include "commands.h"
+#include "common.h"
+#include "exit_codes.h"
+#include "output.h"
+#include "table_writer.h"
+
+namespace zel {
+
+namespace {
+
+// Decimals of lengths in the table (a tenth of a millimetre) and of the
+// gradient in percent.
+constexpr int LengthDecimals = 4;
+constexpr int GradientDecimals = 4;
+
+}  // namespace
+
+Command AddPointCommand(CLI::App& app)
+{
+    struct Options {
+        AlignmentOptions alignment;
+        OutputOptions output;
+        std::vector<double> at;
+        std::optional<double> every;
+        std::optional<double> from;
+        std::optional<double> to;
+    };
+    auto o = std::make_shared<Options>();
+    CLI::App* c = app.add_subcommand("point", "coordinates, direction and height at stations (setting out)");
+    AddAlignmentOptions(c, o->alignment);
+    c->add_option("--at", o->at, "station(s) to compute")->check(FiniteNumber());
+    c->add_option("--every", o->every, "a setting-out table at this interval (metres)")->check(FiniteNumber());
+    c->add_option("--from", o->from, "first station of the table (default: the start)")->check(FiniteNumber());
+    c->add_option("--to", o->to, "last station of the table (default: the end)")->check(FiniteNumber());
+    AddOutputOption(c, o->output);
+    AddFormatOption(c, o->output);
+    AddAngleOption(c, o->output);
+    return [c, o]() -> int {
+        if (!c->parsed()) {
+            return -1;
+        }
+        if (o->at.empty() && !o->every) {
+            throw Failure(ExitUsage, "give --at or --every");
+        }
+        if (!o->every && (o->from || o->to)) {
+            throw Failure(ExitUsage, "--from and --to go with --every");
+        }
+        zelalign::Alignment const a = LoadAlignment(o->alignment);
+        std::vector<double> stations = o->at;
+        if (o->every) {
+            try {
+                std::vector<double> const table =
+                    zelalign::SettingOutStations(o->from.value_or(a.StartStation()), o->to.value_or(a.EndStation()),
+                                                 *o->every);
+                stations.insert(stations.end(), table.begin(), table.end());
+            } catch (zelalign::ArgumentError const& e) {
+                throw Failure(ExitUsage, e.what());
+            }
+        }
+        // Every station is checked before anything is written.
+        std::vector<zelalign::SetOutPoint> points(stations.size());
+        for (std::size_t i = 0; i < stations.size(); ++i) {
+            if (!a.SetOut(stations[i], &points[i])) {
+                throw Failure(ExitBadData, "station " + Exact(stations[i]) + " lies outside the alignment (" +
+                                               Exact(a.StartStation()) + " to " + Exact(a.EndStation()) + ")");
+            }
+        }
+        Output out(o->output.path, {o->alignment.path});
+        std::string const angleColumn = std::string("azimuth_") + AngleUnitName(o->output.angleUnit);
+        TableWriter table(out, o->output.format,
+                          {"station", "element", "type", "east", "north", angleColumn, "radius", "design_height",
+                           "gradient_percent", "tunnel_metre"});
+        for (zelalign::SetOutPoint const& p : points) {
+            table.Number(p.station, LengthDecimals)
+                .Integer(p.element)
+                .Text(zelalign::ElementTypeName(p.type))
+                .Number(p.east, LengthDecimals)
+                .Number(p.north, LengthDecimals)
+                .Number(AngleIn(p.azimuth, o->output.angleUnit), AngleDecimals(o->output.angleUnit))
+                .Number(p.radius, LengthDecimals)
+                .Number(p.designHeight, LengthDecimals)
+                .Number(p.gradient * 100.0, GradientDecimals)
+                .Number(p.tunnelMetre, LengthDecimals);
+            table.SetPoint(p.east, p.north, p.designHeight);
+            table.EndRow();
+        }
+        table.Finish();
+        out.Close();
+        return ExitSuccess;
+    };
+}
+
+}  // namespace zel

@@ -1,0 +1,191 @@
+#include "table_writer.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "format.h"
+
+namespace zel {
+
+void AppendJsonString(std::string& out, std::string_view text)
+{
+    out += '"';
+    for (char c : text) {
+        auto const u = static_cast<unsigned char>(c);
+        switch (c) {
+        case '"':
+            out += "\\\"";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
+        default:
+            if (u < 0x20) {
+                char buf[8];
+                std::snprintf(buf, sizeof buf, "\\u%04x", u);
+                out += buf;
+            } else {
+                out += c;
+            }
+        }
+    }
+    out += '"';
+}
+
+namespace {
+
+// A CSV cell that holds a separator, a quote or a line break is quoted, its
+// quotes doubled.
+void AppendCsvText(std::string& out, std::string_view text, char separator)
+{
+    if (text.find_first_of(std::string{separator, '"', '\n', '\r'}) == std::string_view::npos) {
+        out.append(text.data(), text.size());
+        return;
+    }
+    out += '"';
+    for (char c : text) {
+        if (c == '"') {
+            out += '"';
+        }
+        out += c;
+    }
+    out += '"';
+}
+
+}  // namespace
+
+TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::string> columns)
+    : m_out(out), m_format(format), m_columns(std::move(columns))
+{
+    m_row.reserve(1024);
+    if (m_format == TableFormat::GeoJson) {
+        for (std::string const& c : m_columns) {
+            std::string key;
+            AppendJsonString(key, c);
+            key += ':';
+            m_keys.push_back(key);
+        }
+        m_out.Write("{\"type\":\"FeatureCollection\",\"features\":[\n");
+        return;
+    }
+    char const separator = m_format == TableFormat::Tsv ? '\t' : ',';
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        if (i > 0) {
+            m_row += separator;
+        }
+        m_row += m_columns[i];
+    }
+    m_row += '\n';
+    m_out.Write(m_row);
+    m_row.clear();
+}
+
+void TableWriter::Separator()
+{
+    if (m_cell > 0) {
+        m_row += m_format == TableFormat::Tsv ? '\t' : ',';
+    }
+}
+
+void TableWriter::Key()
+{
+    m_row += m_keys[m_cell];
+}
+
+TableWriter& TableWriter::Text(std::string_view value)
+{
+    Separator();
+    if (m_format == TableFormat::GeoJson) {
+        Key();
+        AppendJsonString(m_row, value);
+    } else {
+        AppendCsvText(m_row, value, m_format == TableFormat::Tsv ? '\t' : ',');
+    }
+    ++m_cell;
+    return *this;
+}
+
+TableWriter& TableWriter::Integer(long long value)
+{
+    Separator();
+    if (m_format == TableFormat::GeoJson) {
+        Key();
+    }
+    m_row += std::to_string(value);
+    ++m_cell;
+    return *this;
+}
+
+TableWriter& TableWriter::Number(double value, int decimals)
+{
+    Separator();
+    if (m_format == TableFormat::GeoJson) {
+        Key();
+        if (!AppendFixed(m_row, value, decimals)) {
+            m_row += "null";
+        }
+    } else {
+        AppendFixed(m_row, value, decimals);
+    }
+    ++m_cell;
+    return *this;
+}
+
+void TableWriter::SetPoint(double x, double y, double z)
+{
+    m_point[0] = x;
+    m_point[1] = y;
+    m_point[2] = z;
+}
+
+void TableWriter::EndRow()
+{
+    if (m_format == TableFormat::GeoJson) {
+        std::string& feature = m_feature;
+        feature.clear();
+        feature += m_rows > 0 ? ",\n" : "";
+        feature += "{\"type\":\"Feature\",\"geometry\":";
+        if (std::isfinite(m_point[0]) && std::isfinite(m_point[1])) {
+            feature += "{\"type\":\"Point\",\"coordinates\":[";
+            AppendExact(feature, m_point[0]);
+            feature += ',';
+            AppendExact(feature, m_point[1]);
+            if (std::isfinite(m_point[2])) {
+                feature += ',';
+                AppendExact(feature, m_point[2]);
+            }
+            feature += "]}";
+        } else {
+            feature += "null";
+        }
+        feature += ",\"properties\":{";
+        m_out.Write(feature);
+        m_out.Write(m_row);
+        m_out.Write("}}");
+    } else {
+        m_row += '\n';
+        m_out.Write(m_row);
+    }
+    m_row.clear();
+    m_cell = 0;
+    m_point[0] = m_point[1] = m_point[2] = std::nan("");
+    ++m_rows;
+}
+
+void TableWriter::Finish()
+{
+    if (m_format == TableFormat::GeoJson) {
+        m_out.Write("\n]}\n");
+    }
+}
+
+}  // namespace zel

@@ -1,0 +1,55 @@
+// Tables as zel writes them: CSV, TSV or GeoJSON, one row at a time, with no
+// allocation per row once the first rows have been written.
+//
+// CSV and TSV: a header line of column names, then one line per row; a value
+// that cannot be given (NaN) is an empty cell. GeoJSON: a FeatureCollection
+// with one Point feature per row, its coordinates given by SetPoint (in the
+// coordinate system of the alignment's file) and every cell a property; a value
+// that cannot be given is null.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "output.h"
+
+namespace zel {
+
+enum class TableFormat { Csv, Tsv, GeoJson };
+
+class TableWriter {
+public:
+    // Writes the header (CSV, TSV) or the opening of the collection (GeoJSON).
+    TableWriter(Output& out, TableFormat format, std::vector<std::string> columns);
+
+    // Cells of the current row, in column order.
+    TableWriter& Text(std::string_view value);
+    TableWriter& Integer(long long value);
+    TableWriter& Number(double value, int decimals);  // NaN: no value
+    // The feature's point for GeoJSON (ignored by CSV and TSV); z may be NaN.
+    void SetPoint(double x, double y, double z);
+    // Ends the current row and hands it to the output.
+    void EndRow();
+    // Ends the table (closes the GeoJSON collection); the output is not closed.
+    void Finish();
+
+private:
+    void Separator();
+    void Key();
+
+    Output& m_out;
+    TableFormat m_format;
+    std::vector<std::string> m_columns;
+    std::vector<std::string> m_keys;  // "\"name\":" for GeoJSON
+    std::size_t m_cell = 0;
+    long long m_rows = 0;
+    double m_point[3] = {0.0, 0.0, 0.0};
+    std::string m_row;
+    std::string m_feature;
+};
+
+// Appends text as a JSON string, quotes included.
+void AppendJsonString(std::string& out, std::string_view text);
+
+}  // namespace zel

@@ -1,0 +1,110 @@
+// An alignment: the horizontal chain of elements, the vertical profile and the
+// tunnel-metre map of one track, loaded from a file or built in code.
+//
+// Units and signs, throughout: lengths, stations, coordinates and heights in
+// metres; angles in radians; azimuths clockwise from North in [0, 2 pi);
+// radii signed, positive bending right (clockwise), 0 for a straight; offsets
+// positive to the right of the direction of increasing station; height
+// differences measured minus design. Stations are the alignment's internal
+// stations: its start station plus the length along the elements.
+//
+// Contract: an Alignment is immutable once built. Every const member may be
+// called from any number of threads at once. Construction throws DataError
+// for elements, profiles or references that do not fit together; the
+// stationing and setting-out calls throw nothing and allocate nothing per point.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <zelalign/horizontal.h>
+#include <zelalign/profile.h>
+#include <zelalign/set_out.h>
+#include <zelalign/stationed_point.h>
+#include <zelalign/tunnel_metre.h>
+#include <zelalign/zelalign_export.h>
+
+namespace zelalign {
+
+// Where the tunnel metre is anchored, and in which sense it runs.
+struct TunnelMetreReference {
+    std::optional<double> station;      // default: the alignment's start station
+    std::optional<double> tunnelMetre;  // default: the reference station itself
+    bool sameDirection = true;          // false: tunnel metres grow against the stations
+};
+
+// Where an alignment came from: the file, and the file line of each horizontal
+// element; and what its reader noticed but accepted.
+struct AlignmentSource {
+    std::string path;                   // empty for an alignment built in code
+    std::vector<int> elementLines;      // one per horizontal element, 0 where unknown
+    std::vector<std::string> warnings;  // "file:line: <Element>: message"
+};
+
+class ZELALIGN_EXPORT Alignment {
+public:
+    // An empty alignment; every query on it fails.
+    Alignment();
+
+    // Builds an alignment from its parts. The profile may be empty. Throws
+    // DataError when the tunnel-metre reference is not finite.
+    Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile = VerticalProfile(),
+              TunnelMetreReference reference = TunnelMetreReference(), AlignmentSource source = AlignmentSource());
+
+    // The same alignment with another tunnel-metre reference.
+    Alignment WithTunnelMetreReference(TunnelMetreReference const& reference) const;
+
+    std::string const& Name() const { return m_name; }
+    HorizontalAlignment const& Horizontal() const { return m_horizontal; }
+    VerticalProfile const& Profile() const { return m_profile; }
+    TunnelMetreMap const& TunnelMetres() const { return m_tunnel; }
+    AlignmentSource const& Source() const { return m_source; }
+    std::vector<std::string> const& Warnings() const { return m_source.warnings; }
+    std::vector<int> const& SourceLines() const { return m_source.elementLines; }
+    bool Empty() const { return m_horizontal.Empty(); }
+
+    double StartStation() const { return m_horizontal.StartStation(); }  // metres
+    double EndStation() const { return m_horizontal.EndStation(); }      // metres
+    // True for a finite station from the start to the end station inclusive.
+    bool Contains(double station) const;
+
+    // Stations a measured point (east, north in metres; height in metres or NaN
+    // when not measured). Non-finite coordinates give status Invalid.
+    //
+    // Accuracy: the foot is that of the element operations of zelmath (the
+    // projection stops when the step along the tangent falls below 0.4 mm on a
+    // transition; straights and arcs are exact).
+    StationedPoint Station(double east, double north,
+                           double height = std::numeric_limits<double>::quiet_NaN()) const;
+
+    // Stations count points into out[0 .. count). height may be null (no
+    // heights measured). threads > 1 splits the work with ParallelFor; the
+    // results are the same for any number of threads.
+    void Station(std::size_t count, double const* east, double const* north, double const* height,
+                 StationedPoint* out, unsigned threads = 1) const;
+    // The same into caller-owned column arrays (see StationColumns).
+    void Station(std::size_t count, double const* east, double const* north, double const* height,
+                 StationColumns const& out, unsigned threads = 1) const;
+
+    // The design point at a station. False (point untouched) for a station
+    // outside the alignment or not finite.
+    bool SetOut(double station, SetOutPoint* point) const;
+
+    // Station to tunnel metre and back (metres). False for a station outside
+    // the alignment, or a tunnel metre whose station would lie outside it.
+    bool ToTunnelMetre(double station, double* tunnelMetre) const;
+    bool ToStation(double tunnelMetre, double* station) const;
+
+private:
+    std::string m_name;
+    HorizontalAlignment m_horizontal;
+    VerticalProfile m_profile;
+    TunnelMetreReference m_reference;
+    TunnelMetreMap m_tunnel;
+    AlignmentSource m_source;
+};
+
+}  // namespace zelalign

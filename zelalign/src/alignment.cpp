@@ -1,0 +1,166 @@
+// An alignment: stationing of measured points, setting out, tunnel metres.
+#include <zelalign/alignment.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include <zelalign/batch.h>
+#include <zelalign/error.h>
+
+namespace zelalign {
+
+namespace {
+
+constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+// A station that a tunnel metre converts back to may stray this far (metres)
+// past an end of the alignment through the rounding of the conversion and
+// still count as that end.
+constexpr double EndStationSlack = 1e-6;
+
+TunnelMetreMap MakeTunnelMap(HorizontalAlignment const& horizontal, VerticalProfile const& profile,
+                             TunnelMetreReference const& reference)
+{
+    if (horizontal.Empty()) {
+        return TunnelMetreMap();
+    }
+    double const station = reference.station.value_or(horizontal.StartStation());
+    double const tunnelMetre = reference.tunnelMetre.value_or(station);
+    if (!std::isfinite(station) || !std::isfinite(tunnelMetre)) {
+        throw DataError("the tunnel-metre reference must be finite: station " + std::to_string(station) +
+                        ", tunnel metre " + std::to_string(tunnelMetre));
+    }
+    // Without a profile the map is empty and tunnel metres run one to one from the reference.
+    return TunnelMetreMap(profile, station, tunnelMetre, reference.sameDirection);
+}
+
+}  // namespace
+
+Alignment::Alignment() = default;
+
+Alignment::Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile,
+                     TunnelMetreReference reference, AlignmentSource source)
+    : m_name(std::move(name)),
+      m_horizontal(std::move(horizontal)),
+      m_profile(std::move(profile)),
+      m_reference(reference),
+      m_tunnel(MakeTunnelMap(m_horizontal, m_profile, m_reference)),
+      m_source(std::move(source))
+{
+}
+
+Alignment Alignment::WithTunnelMetreReference(TunnelMetreReference const& reference) const
+{
+    return Alignment(m_name, m_horizontal, m_profile, reference, m_source);
+}
+
+bool Alignment::Contains(double station) const
+{
+    return !m_horizontal.Empty() && std::isfinite(station) && station >= StartStation() && station <= EndStation();
+}
+
+StationedPoint Alignment::Station(double east, double north, double height) const
+{
+    StationedPoint r;
+    if (!std::isfinite(east) || !std::isfinite(north) || std::isinf(height)) {
+        r.status = ProjectionStatus::Invalid;
+        return r;
+    }
+    Projection const p = m_horizontal.Project(east, north);
+    r.status = p.status;
+    if (p.status == ProjectionStatus::NoSolution) {
+        return r;
+    }
+    AlignmentPoint const& f = p.foot;
+    r.element = f.element;
+    r.type = m_horizontal.Elements()[static_cast<std::size_t>(f.element)].type;
+    r.station = f.station;
+    r.offset = p.offset;
+    r.along = p.along;
+    r.footEast = f.east;
+    r.footNorth = f.north;
+    r.azimuth = f.azimuth;
+    r.radius = f.radius;
+    double gradient = 0.0;
+    if (m_profile.Empty() || !m_profile.HeightAt(f.station, &r.designHeight, &gradient)) {
+        r.designHeight = NaN;
+    }
+    r.heightDifference = height - r.designHeight;
+    if (!m_tunnel.ToTunnelMetre(f.station, &r.tunnelMetre)) {
+        r.tunnelMetre = NaN;
+    }
+    return r;
+}
+
+void Alignment::Station(std::size_t count, double const* east, double const* north, double const* height,
+                        StationedPoint* out, unsigned threads) const
+{
+    ParallelFor(count, threads, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i) {
+            out[i] = Station(east[i], north[i], height ? height[i] : NaN);
+        }
+    });
+}
+
+void Alignment::Station(std::size_t count, double const* east, double const* north, double const* height,
+                        StationColumns const& out, unsigned threads) const
+{
+    ParallelFor(count, threads, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t i = begin; i < end; ++i) {
+            StationedPoint const p = Station(east[i], north[i], height ? height[i] : NaN);
+            if (out.station) out.station[i] = p.station;
+            if (out.offset) out.offset[i] = p.offset;
+            if (out.element) out.element[i] = p.element;
+            if (out.type) out.type[i] = static_cast<std::int32_t>(p.type);
+            if (out.azimuth) out.azimuth[i] = p.azimuth;
+            if (out.radius) out.radius[i] = p.radius;
+            if (out.designHeight) out.designHeight[i] = p.designHeight;
+            if (out.heightDifference) out.heightDifference[i] = p.heightDifference;
+            if (out.tunnelMetre) out.tunnelMetre[i] = p.tunnelMetre;
+            if (out.status) out.status[i] = static_cast<std::int32_t>(p.status);
+        }
+    });
+}
+
+bool Alignment::SetOut(double station, SetOutPoint* point) const
+{
+    AlignmentPoint p;
+    if (!Contains(station) || !m_horizontal.PointAt(station, &p)) {
+        return false;
+    }
+    SetOutPoint r;
+    r.station = station;
+    r.element = p.element;
+    r.type = m_horizontal.Elements()[static_cast<std::size_t>(p.element)].type;
+    r.east = p.east;
+    r.north = p.north;
+    r.azimuth = p.azimuth;
+    r.radius = p.radius;
+    if (m_profile.Empty() || !m_profile.HeightAt(station, &r.designHeight, &r.gradient)) {
+        r.designHeight = NaN;
+        r.gradient = NaN;
+    }
+    if (!m_tunnel.ToTunnelMetre(station, &r.tunnelMetre)) {
+        r.tunnelMetre = NaN;
+    }
+    *point = r;
+    return true;
+}
+
+bool Alignment::ToTunnelMetre(double station, double* tunnelMetre) const
+{
+    return Contains(station) && m_tunnel.ToTunnelMetre(station, tunnelMetre);
+}
+
+bool Alignment::ToStation(double tunnelMetre, double* station) const
+{
+    double s = NaN;
+    if (!std::isfinite(tunnelMetre) || m_horizontal.Empty() || !m_tunnel.ToStation(tunnelMetre, &s) ||
+        !(s >= StartStation() - EndStationSlack && s <= EndStation() + EndStationSlack)) {
+        return false;
+    }
+    *station = std::min(std::max(s, StartStation()), EndStation());
+    return true;
+}
+
+}  // namespace zelalign

@@ -1,0 +1,64 @@
+// The batch runner.
+#include <zelalign/batch.h>
+
+#include <algorithm>
+#include <exception>
+#include <thread>
+#include <vector>
+
+namespace zelalign {
+
+unsigned HardwareThreads()
+{
+    return std::max(1u, std::thread::hardware_concurrency());
+}
+
+void ParallelFor(std::size_t count, unsigned threads, std::function<void(std::size_t, std::size_t)> const& work)
+{
+    if (count == 0) {
+        return;
+    }
+    std::size_t const workers = std::min<std::size_t>(std::max(threads, 1u), count);
+    if (workers == 1) {
+        work(0, count);
+        return;
+    }
+    // Equal contiguous shares; the first count % workers take one more.
+    std::size_t const share = count / workers;
+    std::size_t const extra = count % workers;
+    std::vector<std::exception_ptr> errors(workers);
+    std::vector<std::thread> pool;
+    pool.reserve(workers - 1);
+    std::size_t begin = 0;
+    std::size_t firstEnd = 0;
+    for (std::size_t w = 0; w < workers; ++w) {
+        std::size_t const end = begin + share + (w < extra ? 1 : 0);
+        if (w == 0) {
+            firstEnd = end;  // the calling thread takes the first share
+        } else {
+            pool.emplace_back([&work, &errors, w, begin, end] {
+                try {
+                    work(begin, end);
+                } catch (...) {
+                    errors[w] = std::current_exception();
+                }
+            });
+        }
+        begin = end;
+    }
+    try {
+        work(0, firstEnd);
+    } catch (...) {
+        errors[0] = std::current_exception();
+    }
+    for (std::thread& t : pool) {
+        t.join();
+    }
+    for (std::exception_ptr const& e : errors) {
+        if (e) {
+            std::rethrow_exception(e);
+        }
+    }
+}
+
+}  // namespace zelalign

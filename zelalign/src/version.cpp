@@ -1,0 +1,10 @@
+#include <zelalign/version.h>
+
+namespace zelalign {
+
+char const* Version()
+{
+    return ZELALIGN_VERSION;
+}
+
+}  // namespace zelalign
