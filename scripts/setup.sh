@@ -3,7 +3,12 @@
 # Uses Debian's packages only.
 set -euo pipefail
 
-packages=(cmake g++ make libgtest-dev libbenchmark-dev libpugixml-dev libcli11-dev clang libclang-rt-dev)
+packages=(cmake g++ make libgtest-dev libbenchmark-dev libpugixml-dev libcli11-dev clang libclang-rt-dev
+          libboost-dev
+          python3 python3-dev python3-numpy pybind11-dev python3-pytest python3-hypothesis
+          python3-pandas python3-dask python3-distributed python3-matplotlib python3-shapely
+          python3-venv python3-pip python3-setuptools python3-wheel
+          chromium)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
