@@ -266,3 +266,91 @@ TEST(ZelCliKink, PointOutsideAKinkIsReportedAtTheJoint)
     // no profile, so no design height; tunnel metre one to one.
     EXPECT_EQ(Lines(r.out).at(1), "w,1,line,100.0000,-4.9497,50.000000,0.0000,,,100.0000,kink");
 }
+
+// ------------------------------------------------------------------ conventions
+
+TEST(ZelCliConventions, VersionComesFromTheBuild)
+{
+    Result const r = Zel("--version");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, std::string("zel ") + ZEL_VERSION + "\n");
+}
+
+TEST(ZelCliConventions, ExitCodesTellUsageDataAndFileFailuresApart)
+{
+    // 2: the command line is wrong.
+    Result r = Zel("frobnicate");
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("unknown subcommand 'frobnicate'; valid subcommands: station, point, tm, info, export"),
+              std::string::npos)
+        << r.err;
+    EXPECT_EQ(Zel("").status, 2);
+    EXPECT_EQ(Zel("info " + Sample + "alignment.xml --no-such-option").status, 2);
+    EXPECT_EQ(Zel("point " + Sample + "alignment.xml").status, 2);                 // neither --at nor --every
+    EXPECT_EQ(Zel("point " + Sample + "alignment.xml --every 0").status, 2);
+    r = Zel("point " + Sample + "alignment.xml --at nan");
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("'nan'"), std::string::npos) << r.err;
+    EXPECT_EQ(Zel("tm " + Sample + "alignment.xml --station 12500 --ref-station inf").status, 2);
+    // 1: the data cannot be used.
+    std::string const broken = Temp("conv_broken.xml");
+    Write(broken, "<LandXML><Alignments></Alignments></LandXML>\n");
+    EXPECT_EQ(Zel("info " + broken).status, 1);
+    EXPECT_EQ(Zel("point " + Sample + "alignment.xml --at 99999").status, 1);
+    EXPECT_EQ(Zel("tm " + Sample + "alignment.xml --station 99999").status, 1);
+    // 3: a file cannot be read or written, with the system's reason.
+    r = Zel("info /nonexistent/a.xml");
+    EXPECT_EQ(r.status, 3);
+    EXPECT_NE(r.err.find("/nonexistent/a.xml: cannot open the file: No such file or directory"), std::string::npos)
+        << r.err;
+    r = Zel("info " + Sample + "alignment.xml -o /nonexistent/folder/info.txt");
+    EXPECT_EQ(r.status, 3);
+    EXPECT_NE(r.err.find("No such file or directory"), std::string::npos) << r.err;
+}
+
+TEST(ZelCliConventions, DashReadsStandardInputAndWritesStandardOutput)
+{
+    std::string const expected =
+        Zel("station " + Sample + "alignment.xml " + Sample + "points.csv --threads 2").out;
+    ASSERT_EQ(Lines(expected).size(), 3005u);
+    Result r = Zel("station " + Sample + "alignment.xml - --threads 2 -o - < " + Sample + "points.csv");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, expected);
+    r = Zel("station - " + Sample + "points.csv --threads 2 < " + Sample + "alignment.xml");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, expected);
+    r = Zel("station - - < " + Sample + "points.csv");
+    EXPECT_EQ(r.status, 2);
+}
+
+TEST(ZelCliConventions, OutputFileIsWrittenWhole)
+{
+    std::string const out = Temp("conv_out.csv");
+    Result const r = Zel("point " + Sample + "alignment.xml --at 12500 -o " + out);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(r.out.empty());
+    EXPECT_EQ(Lines(Read(out)).size(), 2u);
+    // An output that is an input is refused and the input stays as it was.
+    std::string const points = Temp("conv_points.csv");
+    Write(points, "a,2600200,1200340\n");
+    Result const same = Zel("station " + Sample + "alignment.xml " + points + " -o " + points);
+    EXPECT_EQ(same.status, 2);
+    EXPECT_EQ(Read(points), "a,2600200,1200340\n");
+}
+
+TEST(ZelCliConventions, OffsetSignAndTabSeparatedValues)
+{
+    std::string const points = Temp("conv_sign.csv");
+    Write(points, "a,1010,2050\n");
+    std::string const path = Temp("conv_sign.xml");
+    Write(path, Alignment);
+    Result const right = Zel("station " + path + " " + points);
+    Result const left = Zel("station " + path + " " + points + " --offset-sign left --format tsv");
+    ASSERT_EQ(right.status, 0) << right.err;
+    ASSERT_EQ(left.status, 0) << left.err;
+    // 10 m right of the straight running North: +10 counted to the right, -10 to the left.
+    EXPECT_EQ(Lines(right.out).at(0).substr(0, 37), "id,element,type,station,offset_right,");
+    EXPECT_EQ(Lines(right.out).at(1).substr(0, 25), "a,0,line,50.0000,10.0000,");
+    EXPECT_EQ(Lines(left.out).at(0).substr(0, 36), "id\telement\ttype\tstation\toffset_left\t");
+    EXPECT_EQ(Lines(left.out).at(1).substr(0, 26), "a\t0\tline\t50.0000\t-10.0000\t");
+}

@@ -19,9 +19,10 @@ namespace {
 
 enum class ExportFormat { GeoJson };
 
-// Decimals of coordinates in the line: a tenth of a millimetre, well below the
-// chord error.
+// Decimals of coordinates in the line: a tenth of a millimetre. Rounding moves
+// a point by up to half of that in each axis, which the sampling leaves room for.
 constexpr int CoordinateDecimals = 4;
+constexpr double CoordinateRounding = 0.5e-4 * 1.4142135623730951;  // metres
 
 void AppendNumber(std::string& s, double v, int decimals)
 {
@@ -41,7 +42,7 @@ void WriteGeoJson(Output& out, zelalign::Alignment const& a, double chordError)
         zelalign::HorizontalElement const& e = h.Elements()[i];
         s = i == 0 ? "" : ",\n";
         s += "{\"type\":\"Feature\",\"geometry\":{\"type\":\"LineString\",\"coordinates\":[";
-        auto const points = zelalign::ElementPolyline(h, static_cast<int>(i), chordError);
+        auto const points = zelalign::ElementPolyline(h, static_cast<int>(i), chordError - CoordinateRounding);
         for (std::size_t k = 0; k < points.size(); ++k) {
             s += k == 0 ? "[" : ",[";
             AppendNumber(s, points[k].east, CoordinateDecimals);
@@ -93,8 +94,9 @@ Command AddExportCommand(CLI::App& app)
         if (!c->parsed()) {
             return -1;
         }
-        if (!(o->chordError > 0.0)) {
-            throw Failure(ExitUsage, "--chord-error must be positive, got " + Exact(o->chordError));
+        if (!(o->chordError > 2.0 * CoordinateRounding)) {
+            throw Failure(ExitUsage, "--chord-error must be at least 0.0002 m (the coordinates are written to "
+                                     "0.1 mm), got " + Exact(o->chordError));
         }
         zelalign::Alignment const a = LoadAlignment(o->alignment);
         Output out(o->output.path, {o->alignment.path});
