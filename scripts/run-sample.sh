@@ -12,7 +12,7 @@ cmake -S . -B "$build_dir" >/dev/null
 cmake --build "$build_dir" -j "$(nproc)" --target zel
 
 table="$build_dir/sample-stations.csv"
-"$build_dir"/tools/zel station data/sample/alignment.xml data/sample/points.csv -o "$table"
+"$build_dir"/tools/zel/zel station data/sample/alignment.xml data/sample/points.csv -o "$table"
 
 echo
 echo "First rows of $table:"
