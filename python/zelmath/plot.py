@@ -17,7 +17,7 @@ import numpy as np
 
 from . import Alignment, Status
 
-__all__ = ["plan", "curvature", "profile", "offsets", "SAMPLES_PER_ELEMENT"]
+__all__ = ["plan", "curvature", "profile", "offsets", "SAMPLES_PER_ELEMENT", "END_INSET"]
 
 #: Samples drawn along each element (both ends included): a 100 m element is
 #: drawn at half-metre steps, finer than a plan or a curvature diagram shows.
@@ -33,21 +33,19 @@ def _axes(ax):
     return ax
 
 
-def _element_samples(alignment: Alignment):
-    """Per element: its stations, and the point_at table of those stations.
+#: The last sample of an element is taken this far (metres) before its end
+#: station: a station at a joint belongs to the later element, and the straight
+#: end of a transition has no finite radius.
+END_INSET = 1e-6
 
-    A station at a joint belongs to the later element in the point_at table; the
-    sample at an element's end is therefore taken from the element itself, so
-    that every element is drawn to its own end.
-    """
+
+def _element_samples(alignment: Alignment):
+    """Per element: its index, the element, and the point_at table of
+    SAMPLES_PER_ELEMENT stations from its start to END_INSET before its end."""
     for index, e in enumerate(alignment.elements()):
         s = np.linspace(e.start_station, e.end_station, SAMPLES_PER_ELEMENT)
-        t = alignment.point_at(s[:-1])
-        end = e.point_at(e.end_station)
-        east = np.append(t.east, end.east)
-        north = np.append(t.north, end.north)
-        radius = np.append(t.radius, end.radius)
-        yield index, e, s, east, north, radius
+        s[-1] = e.end_station - END_INSET
+        yield index, e, alignment.point_at(s)
 
 
 def _curvature(radius: np.ndarray) -> np.ndarray:
@@ -65,13 +63,14 @@ def plan(alignment: Alignment, points=None, *, ax=None):
     """
     ax = _axes(ax)
     joints_e, joints_n = [], []
-    for index, e, _, east, north, _ in _element_samples(alignment):
-        ax.plot(east, north, "-", label=f"{index}: {e.type}", gid=f"element-{index}")
-        joints_e.append(east[0])
-        joints_n.append(north[0])
-        if index == len(alignment.elements()) - 1:
-            joints_e.append(east[-1])
-            joints_n.append(north[-1])
+    elements = alignment.elements()
+    for index, e, t in _element_samples(alignment):
+        ax.plot(t.east, t.north, "-", label=f"{index}: {e.type}", gid=f"element-{index}")
+        joints_e.append(t.east[0])
+        joints_n.append(t.north[0])
+    end = alignment.point_at(np.array([elements[-1].end_station]))
+    joints_e.append(end.east[0])
+    joints_n.append(end.north[0])
     ax.plot(joints_e, joints_n, "k.", gid="joints", label="joints")
     if points is not None:
         if isinstance(points, tuple):
@@ -96,8 +95,8 @@ def curvature(alignment: Alignment, *, ax=None):
     """
     ax = _axes(ax)
     joints = []
-    for index, e, s, _, _, radius in _element_samples(alignment):
-        ax.plot(s, _curvature(radius), "-", label=f"{index}: {e.type}", gid=f"element-{index}")
+    for index, e, t in _element_samples(alignment):
+        ax.plot(t.station, _curvature(t.radius), "-", label=f"{index}: {e.type}", gid=f"element-{index}")
         joints.append(e.start_station)
     joints.append(alignment.end_station)
     for j in joints:
