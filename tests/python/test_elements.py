@@ -189,3 +189,30 @@ def test_help_shows_units():
     assert "radians" in zelmath.Clothoid.from_start.__doc__
     assert "positive to the" in zelmath.StationTable.__doc__
     assert "metres" in zelmath.Alignment.station.__doc__
+
+
+hypothesis = pytest.importorskip("hypothesis")
+st = hypothesis.strategies
+
+# Transitions of railway sizes: radii from 300 m to 5 km either way, lengths
+# from 20 m to 200 m, points up to 5 m off the axis.
+RADII = st.floats(300.0, 5000.0)
+LENGTHS = st.floats(20.0, 200.0)
+OFFSETS = st.floats(-5.0, 5.0)
+FRACTIONS = st.floats(0.02, 0.98)
+
+
+@hypothesis.settings(max_examples=200, deadline=None, derandomize=True)
+@hypothesis.given(radius=RADII, length=LENGTHS, right=st.booleans(), into_curve=st.booleans(),
+                  fraction=FRACTIONS, offset=OFFSETS, azimuth=st.floats(0.0, 2 * math.pi, exclude_max=True))
+def test_a_point_beside_a_clothoid_projects_back(radius, length, right, into_curve, fraction, offset, azimuth):
+    r = radius if right else -radius
+    r1, r2 = (0.0, r) if into_curve else (r, 0.0)
+    e = zelmath.Clothoid.from_start((1000.0, 2000.0), azimuth, length, r1, r2)
+    s = fraction * length
+    p = e.point_at(s)
+    side = p.azimuth + math.pi / 2
+    q = e.project(p.east + offset * math.sin(side), p.north + offset * math.cos(side))
+    assert q.status == zelmath.Status.ON
+    assert q.station == pytest.approx(s, abs=FOOT_SEARCH)
+    assert q.offset == pytest.approx(offset, abs=FOOT_SEARCH)
