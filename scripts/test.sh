@@ -8,6 +8,6 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh
 build_dir=${BUILD_DIR:-build}
 # shellcheck disable=SC2086
-cmake -S . -B "$build_dir" -DZEL_BUILD_TESTS=ON ${ZEL_CMAKE_ARGS:-}
+cmake -S . -B "$build_dir" -DZEL_BUILD_TESTS=ON -DZEL_BUILD_PYTHON=ON ${ZEL_CMAKE_ARGS:-}
 cmake --build "$build_dir" -j "$(nproc)"
 ctest --test-dir "$build_dir" --output-on-failure -j "$(nproc)"
