@@ -451,8 +451,12 @@ Figure ProfileFigure(zelalign::ProfileDiagram const& profile, StationAxis const&
         double const grade = (b.height - a.height) / (b.station - a.station);
         double const s = (a.station + b.station) / 2.0;
         double const h = (a.height + b.height) / 2.0;
-        svg.Text(axis.X(s), heights.Y(h) - 10.0, (grade >= 0.0 ? "+" : "") + Fixed(grade * PerMille, 2) + " \u2030",
-                 "middle", LabelSize, "fill=\"#555555\"");
+        // Above the line and away from it: to the right of the middle where the
+        // line falls, to the left where it rises.
+        bool const falls = grade < 0.0;
+        svg.Text(axis.X(s) + (falls ? 6.0 : -6.0), heights.Y(h) - 8.0,
+                 (falls ? "" : "+") + Fixed(grade * PerMille, 2) + " \u2030", falls ? "start" : "end", LabelSize,
+                 "fill=\"#555555\"");
     }
     svg.Polyline(gradient, DesignColour, DataLineWidth, true);
     f.svg = svg.Finish();
