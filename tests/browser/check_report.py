@@ -2,7 +2,8 @@
 """The report as a person sees it: zel report on the shipped sample, opened in
 headless Chromium. The test takes a screenshot and checks that the page ran
 without script or console errors, that its own figure check ran and found
-every figure drawn with data, and that the screenshot is not a blank page.
+every figure drawn with data, that the plan zooms and resets, and that the
+screenshot is not a blank page.
 
 Usage: check_report.py ZEL_PROGRAM SOURCE_DIR WORK_DIR
 Exit status: 0 passed, 1 failed, 77 skipped (Chromium is not installed).
@@ -126,6 +127,58 @@ def png_ink_fraction(path):
     return width, height, ink / float(width * height)
 
 
+# Turns the wheel once towards the screen over the middle of the plan, then
+# double-clicks it: the page's zoom must shrink the view to 0.8 and restore it.
+ZOOM_PROBE = """<script>
+(function () {
+  var svg = document.querySelector('svg[data-figure="plan"]');
+  var r = svg.getBoundingClientRect();
+  document.body.setAttribute('data-zoom-before', svg.getAttribute('viewBox'));
+  svg.dispatchEvent(new WheelEvent('wheel', {deltaY: -100, clientX: r.left + r.width / 2,
+                                             clientY: r.top + r.height / 2, bubbles: true, cancelable: true}));
+  document.body.setAttribute('data-zoom-after', svg.getAttribute('viewBox'));
+  document.body.setAttribute('data-zoom-radius', svg.querySelector('circle').getAttribute('r'));
+  svg.dispatchEvent(new MouseEvent('dblclick', {bubbles: true}));
+  document.body.setAttribute('data-zoom-reset', svg.getAttribute('viewBox'));
+})();
+</script>
+"""
+ZOOM_STEP = 0.8
+
+
+def check_zoom(chromium, report, work):
+    """The plan zooms with the wheel about the pointer and a double click shows it whole."""
+    with open(report, encoding="utf-8") as f:
+        page = f.read()
+    probe = os.path.join(work, "report_zoom.html")
+    with open(probe, "w", encoding="utf-8") as f:
+        f.write(page.replace("</body>", ZOOM_PROBE + "</body>"))
+    dumped = run_chromium(chromium, "file://" + os.path.abspath(probe), ["--dump-dom"])
+    dom = Dom()
+    dom.feed(dumped.stdout)
+    body = dom.body or {}
+    try:
+        before = [float(v) for v in body["data-zoom-before"].split()]
+        after = [float(v) for v in body["data-zoom-after"].split()]
+        reset = [float(v) for v in body["data-zoom-reset"].split()]
+    except (KeyError, ValueError):
+        return ["the zoom probe did not run: " + dumped.stderr[-1000:]]
+    failures = []
+    if abs(after[2] - ZOOM_STEP * before[2]) > 1e-6 or abs(after[3] - ZOOM_STEP * before[3]) > 1e-6:
+        failures.append("one wheel step did not zoom the plan to %.1f: %s -> %s" % (ZOOM_STEP, before, after))
+    # About the middle: the centre of the view stays where it was.
+    for i in (0, 1):
+        if abs((after[i] + after[i + 2] / 2) - (before[i] + before[i + 2] / 2)) > 1.0:
+            failures.append("the zoom moved the middle of the plan: %s -> %s" % (before, after))
+            break
+    if reset != before:
+        failures.append("a double click did not show the whole plan again: %s" % reset)
+    if body.get("data-report-errors") != "0":
+        failures.append("errors while zooming: " + dom.errors_text)
+    print("zoom: view %s -> %s, reset %s" % (before, after, reset))
+    return failures
+
+
 def main():
     if len(sys.argv) != 4:
         print(__doc__)
@@ -178,6 +231,8 @@ def main():
                 failures.append("figure without drawn data: " + name)
         print("figures drawn: " + ", ".join("%s (%s marks)" % (n, dom.figures[n].get("data-marks-drawn"))
                                             for n in ok if n in dom.figures))
+
+    failures += check_zoom(chromium, report, work)
 
     shot = run_chromium(chromium, url, ["--screenshot=" + screenshot, "--window-size=%d,%d" % WINDOW])
     if not os.path.exists(screenshot):

@@ -2,6 +2,7 @@
 // drawn data, lists exactly the points outside the tolerance (worked by hand
 // on a straight and an arc), writes the same figures as SVG files, and fails
 // with the usual exit codes.
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -66,7 +67,8 @@ std::size_t Count(std::string const& text, std::string const& what)
 // The <svg> element of a figure in the page, empty when there is none.
 std::string FigureSvg(std::string const& html, std::string const& name)
 {
-    std::size_t const at = html.find("data-figure=\"" + name + "\"");
+    // The figure's own opening tag, not the style or script that name it.
+    std::size_t const at = html.find("class=\"figure\" data-figure=\"" + name + "\"");
     if (at == std::string::npos) {
         return std::string();
     }
@@ -83,6 +85,24 @@ std::string OutsideTable(std::string const& html)
         return std::string();
     }
     return html.substr(begin, html.find("</table>", begin) - begin);
+}
+
+// The cells of each body row of a table, tags removed.
+std::vector<std::vector<std::string>> TableRows(std::string const& table)
+{
+    std::vector<std::vector<std::string>> rows;
+    std::size_t at = table.find("<tbody>");
+    while ((at = table.find("<tr>", at)) != std::string::npos) {
+        std::size_t const end = table.find("</tr>", at);
+        std::vector<std::string> cells;
+        for (std::size_t c = table.find("<td", at); c != std::string::npos && c < end; c = table.find("<td", c + 1)) {
+            std::size_t const open = table.find('>', c) + 1;
+            cells.push_back(table.substr(open, table.find("</td>", open) - open));
+        }
+        rows.push_back(cells);
+        at = end;
+    }
+    return rows;
 }
 
 // North 100 m from (E 1000, N 2000), then a right quarter circle of radius 100
@@ -191,6 +211,65 @@ TEST_F(ZelReport, ListsExactlyThePointsOutsideTheTolerance)
     table = OutsideTable(page);
     EXPECT_EQ(Count(table, "<tr>"), 2u);
     EXPECT_NE(table.find(">high<"), std::string::npos);
+}
+
+TEST_F(ZelReport, AsBuiltSurveyOfTheSampleFlagsTheDeformedStretch)
+{
+    // An as-built survey of the sample track: a point every 5 m, set out from
+    // the design points of zel point and moved across the tangent. Within
+    // +-8 mm everywhere, except 35 mm to the right from 14 000 to 14 100 (on
+    // the arc of 1500 m, where the stationing is exact): 21 points.
+    Result const design = Zel("point " + Sample + "alignment.xml --every 5");
+    ASSERT_EQ(design.status, 0) << design.err;
+    std::istringstream rows(design.out);
+    std::string row;
+    std::getline(rows, row);  // header
+    std::ostringstream survey;
+    int k = 0;
+    int deformed = 0;
+    while (std::getline(rows, row)) {
+        // station,element,type,east,north,azimuth_gon,radius,design_height,...
+        std::vector<std::string> f;
+        std::istringstream cells(row);
+        std::string cell;
+        while (std::getline(cells, cell, ',')) {
+            f.push_back(cell);
+        }
+        ASSERT_GE(f.size(), 8u) << row;
+        double const station = std::stod(f[0]);
+        double const azimuth = std::stod(f[5]) * 3.14159265358979323846 / 200.0;
+        bool const inStretch = station >= 14000.0 && station <= 14100.0;
+        double const offset = inStretch ? 0.035 : 0.004 * (k % 5 - 2);
+        deformed += inStretch ? 1 : 0;
+        // To the right of the tangent at azimuth a: (east, north) + offset (cos a, -sin a).
+        survey.precision(12);
+        survey << "S" << k << ',' << std::stod(f[3]) + offset * std::cos(azimuth) << ','
+               << std::stod(f[4]) - offset * std::sin(azimuth) << ',' << std::stod(f[7]) + 0.003 << '\n';
+        ++k;
+    }
+    ASSERT_EQ(deformed, 21);
+    std::string const points = Temp("as_built.csv");
+    Write(points, survey.str());
+    std::string const html = Temp("as_built.html");
+    Result const r = Zel("report " + Sample + "alignment.xml " + points + " --tolerance 0.02 -o " + html);
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::string const page = Read(html);
+    std::string const table = OutsideTable(page);
+    std::vector<std::vector<std::string>> const listed = TableRows(table);
+    ASSERT_EQ(listed.size(), 21u);
+    for (std::vector<std::string> const& cells : listed) {
+        ASSERT_EQ(cells.size(), 6u);
+        // id, station, offset, height difference, excess (mm), status. The
+        // design points of zel point carry 0.1 mm: the offset is 35 mm to that.
+        EXPECT_NEAR(std::stod(cells[2]), 35.0, 0.15) << cells[0];
+        EXPECT_NEAR(std::stod(cells[4]), 15.0, 0.15) << cells[0];
+        EXPECT_EQ(cells[5], "on");
+    }
+    EXPECT_NE(table.find(">14+000<"), std::string::npos);
+    EXPECT_NE(table.find(">14+100<"), std::string::npos);
+    EXPECT_NE(page.find("21 outside the tolerance"), std::string::npos);
+    EXPECT_EQ(Count(FigureSvg(page, "offsets"), "fill=\"#d62728\" data-mark"), 21u);
+    EXPECT_EQ(Count(FigureSvg(page, "heights"), "fill=\"#d62728\" data-mark"), 0u);
 }
 
 TEST_F(ZelReport, WithoutPointsOnlyTheAlignment)

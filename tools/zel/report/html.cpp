@@ -35,6 +35,7 @@ tr:nth-child(even) td { background: #fafafa; }
 td.outside { color: #b00; font-weight: bold; }
 ul.warnings li { font-family: monospace; font-size: 12px; }
 #report-errors { color: #b00; font-family: monospace; white-space: pre-wrap; }
+svg[data-figure="plan"] * { vector-effect: non-scaling-stroke; }
 )";
 
 // Installed first, so that every later script error and console error is
@@ -81,6 +82,52 @@ constexpr char const* CheckScript = R"(
     document.body.setAttribute('data-report-checked', 'yes');
   }
   try { check(); } catch (e) { window.recordReportError('figure check: ' + e); }
+})();
+)";
+
+// Zoom and pan of the plan: the wheel zooms about the pointer (never out
+// beyond the whole plan), dragging pans, a double click shows the whole again.
+constexpr char const* ZoomScript = R"(
+(function () {
+  var svg = document.querySelector('svg[data-figure="plan"]');
+  if (!svg) { return; }
+  var whole = svg.getAttribute('viewBox').split(' ').map(Number);
+  var box = whole.slice();
+  var drag = null;
+  // Points, joints and labels keep their size on the screen; lines keep their
+  // width through the style's non-scaling stroke.
+  var sized = [];
+  svg.querySelectorAll('circle').forEach(function (c) { sized.push([c, 'r', Number(c.getAttribute('r'))]); });
+  svg.querySelectorAll('text').forEach(function (t) {
+    sized.push([t, 'font-size', Number(t.getAttribute('font-size'))]);
+  });
+  function show() {
+    svg.setAttribute('viewBox', box.join(' '));
+    var scale = box[2] / whole[2];
+    sized.forEach(function (s) { s[0].setAttribute(s[1], String(s[2] * scale)); });
+  }
+  function at(e) {
+    var r = svg.getBoundingClientRect();
+    return [box[0] + (e.clientX - r.left) / r.width * box[2], box[1] + (e.clientY - r.top) / r.height * box[3]];
+  }
+  svg.addEventListener('wheel', function (e) {
+    e.preventDefault();
+    var p = at(e);
+    var f = Math.min(e.deltaY < 0 ? 0.8 : 1.25, whole[2] / box[2]);
+    box = [p[0] - (p[0] - box[0]) * f, p[1] - (p[1] - box[1]) * f, box[2] * f, box[3] * f];
+    show();
+  }, { passive: false });
+  svg.addEventListener('mousedown', function (e) { e.preventDefault(); drag = [e.clientX, e.clientY, box[0], box[1]]; });
+  window.addEventListener('mousemove', function (e) {
+    if (!drag) { return; }
+    var r = svg.getBoundingClientRect();
+    box[0] = drag[2] - (e.clientX - drag[0]) / r.width * box[2];
+    box[1] = drag[3] - (e.clientY - drag[1]) / r.height * box[3];
+    show();
+  });
+  window.addEventListener('mouseup', function () { drag = null; });
+  svg.addEventListener('dblclick', function () { box = whole.slice(); show(); });
+  svg.style.cursor = 'grab';
 })();
 )";
 
@@ -208,7 +255,8 @@ std::string ReportHtml(ReportPage const& page)
     Summary(s, page);
     s += "<pre id=\"report-errors\"></pre>\n";
     for (Figure const& f : page.figures) {
-        s += "<figure id=\"figure-" + f.name + "\">\n" + f.svg + "<figcaption>" + Escape(f.title) +
+        std::string const hint = f.name == "plan" ? " (wheel: zoom, drag: pan, double click: whole plan)" : "";
+        s += "<figure id=\"figure-" + f.name + "\">\n" + f.svg + "<figcaption>" + Escape(f.title + hint) +
              "</figcaption>\n</figure>\n";
     }
     if (page.points != nullptr) {
@@ -216,7 +264,8 @@ std::string ReportHtml(ReportPage const& page)
     }
     ElementTable(s, a);
     Warnings(s, a);
-    s += "</main>\n<script>" + std::string(CheckScript) + "</script>\n</body>\n</html>\n";
+    s += "</main>\n<script>" + std::string(CheckScript) + "</script>\n";
+    s += "<script>" + std::string(ZoomScript) + "</script>\n</body>\n</html>\n";
     return s;
 }
 

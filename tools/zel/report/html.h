@@ -1,5 +1,5 @@
 // The report page: one self-contained HTML file (inline CSS, inline SVG and
-// one inline script, nothing loaded from elsewhere) with a summary, the
+// inline scripts, nothing loaded from elsewhere) with a summary, the
 // figures, the points outside the tolerance, the element table and the
 // reader's warnings.
 //
@@ -8,7 +8,8 @@
 // data-figures-ok and data-figures-bad list figure names, data-report-errors
 // counts the script errors and console errors of the page (listed in
 // #report-errors), and data-report-checked="yes" says the check ran. Tests
-// read these back from the rendered page.
+// read these back from the rendered page. The plan zooms with the mouse wheel
+// and pans by dragging.
 #pragma once
 
 #include <cstddef>
