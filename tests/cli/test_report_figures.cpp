@@ -164,3 +164,35 @@ TEST(DeviationFigure, PointsOutsideTheBandInRed)
     zel::report::Figure const h = zel::report::DeviationFigure(zel::report::Deviation::Height, points, axis);
     EXPECT_EQ(Count(h.svg, "<circle"), 0u);
 }
+
+TEST(DeviationFigure, ManyPointsAreThinnedButNoneOutsideTheBandIsLeftOut)
+{
+    // 50 000 points, 50 of them (indices 1, 1001, ...) 30 mm off: 1 in 3 of
+    // the points is drawn, and every one of the 50.
+    std::size_t const count = 50000;
+    EXPECT_EQ(zel::report::DrawEvery(zel::report::MaxDrawnPoints), 1u);
+    EXPECT_EQ(zel::report::DrawEvery(count), 3u);
+    std::vector<zelalign::StationedPoint> p(count);
+    std::vector<double> const zero(count, 0.0);
+    zel::report::MeasuredPoints points;
+    points.tolerance = 0.02;
+    for (std::size_t i = 0; i < count; ++i) {
+        p[i].status = zelalign::ProjectionStatus::OnElement;
+        p[i].station = 0.01 * static_cast<double>(i);
+        p[i].offset = i % 1000 == 1 ? 0.03 : 0.001;
+        p[i].heightDifference = 0.0;
+        points.ids.push_back("p" + std::to_string(i));
+    }
+    points.deviations = zelalign::PointDeviations(count, p.data(), zero.data(), zero.data(), points.tolerance);
+    StationAxis const axis = zel::report::MakeStationAxis(0.0, 500.0);
+    zel::report::Figure const f = zel::report::DeviationFigure(zel::report::Deviation::Offset, points, axis);
+    // The indices that are multiples of 3, and the 50 outside.
+    std::size_t expected = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        expected += (i % 3 == 0 || i % 1000 == 1) ? 1 : 0;
+    }
+    EXPECT_EQ(Count(f.svg, "<circle"), expected);
+    EXPECT_LE(expected, zel::report::MaxDrawnPoints + 50);
+    EXPECT_EQ(Count(f.svg, "fill=\"#d62728\" data-mark"), 50u);
+    EXPECT_NE(f.svg.find("1 in 3 of 50000 points drawn"), std::string::npos);
+}

@@ -133,6 +133,12 @@ Panel MakePanel(double top, double height, double low, double high)
     return p;
 }
 
+std::string ThinningNote(std::size_t every, std::size_t count)
+{
+    return "1 in " + std::to_string(every) + " of " + std::to_string(count) +
+           " points drawn, and every point outside the tolerance";
+}
+
 std::string Tooltip(std::string const& id, double station, std::string const& what, double value,
                     std::string const& unit)
 {
@@ -140,6 +146,11 @@ std::string Tooltip(std::string const& id, double station, std::string const& wh
 }
 
 }  // namespace
+
+std::size_t DrawEvery(std::size_t count)
+{
+    return count <= MaxDrawnPoints ? 1 : (count + MaxDrawnPoints - 1) / MaxDrawnPoints;
+}
 
 double StationAxis::X(double station) const
 {
@@ -248,11 +259,19 @@ Figure PlanFigure(zelalign::PlanDiagram const& plan, MeasuredPoints const* point
 
     // The points first, under the alignment.
     if (points != nullptr && !points->deviations.empty()) {
+        std::size_t const every = DrawEvery(points->deviations.size());
         svg.OpenGroup("class=\"points\"");
-        for (zelalign::PointDeviation const& d : points->deviations) {
-            svg.Circle(X(d.east), Y(d.north), PlanPointRadius, OffsetColour(d.offset, offsetLimit), true);
+        for (std::size_t k = 0; k < points->deviations.size(); ++k) {
+            zelalign::PointDeviation const& d = points->deviations[k];
+            if (k % every == 0 || d.offsetOutside || d.heightOutside) {
+                svg.Circle(X(d.east), Y(d.north), PlanPointRadius, OffsetColour(d.offset, offsetLimit), true);
+            }
         }
         svg.CloseGroup();
+        if (every > 1) {
+            svg.Text(FigureWidth - 30.0, height - 12.0, ThinningNote(every, points->deviations.size()), "end",
+                     LabelSize, "fill=\"#666666\"");
+        }
         // Colour bar of the offsets, top right.
         double const bx = FigureWidth - ColourBarWidth - 30.0;
         double const by = PlanLegendRoom + 6.0;
@@ -518,13 +537,19 @@ Figure DeviationFigure(Deviation kind, MeasuredPoints const& points, StationAxis
     // The band first, under the grid.
     svg.Rect(AxisLeft, p.Y(tol), PlotWidth(), std::max(p.Y(-tol) - p.Y(tol), 0.5), BandColour, "class=\"band\"");
     DrawPanel(svg, p, axis, unit, Millimetres, true);
+    std::size_t const every = DrawEvery(points.deviations.size());
+    if (every > 1) {
+        svg.Text(FigureWidth - AxisRight, TitleBaseline, ThinningNote(every, points.deviations.size()), "end",
+                 LabelSize, "fill=\"#666666\"");
+    }
     svg.OpenGroup("class=\"points\"");
-    for (zelalign::PointDeviation const& d : points.deviations) {
+    for (std::size_t k = 0; k < points.deviations.size(); ++k) {
+        zelalign::PointDeviation const& d = points.deviations[k];
         double const v = value(d);
-        if (!std::isfinite(v)) {
+        bool const outside = offsets ? d.offsetOutside : d.heightOutside;
+        if (!std::isfinite(v) || (k % every != 0 && !outside)) {
             continue;
         }
-        bool const outside = offsets ? d.offsetOutside : d.heightOutside;
         std::string const id = d.index < points.ids.size() ? points.ids[d.index] : std::string();
         svg.Circle(axis.X(d.station), p.Y(v), DeviationPointRadius, outside ? OutsideColour : InsideColour, true, {},
                    outside ? Tooltip(id, d.station, offsets ? "offset" : "height difference", v * Millimetres, "mm")

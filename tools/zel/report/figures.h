@@ -11,6 +11,7 @@
 // to the right of the direction of increasing station.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,15 @@ namespace zel::report {
 inline constexpr double FigureWidth = 1000.0;  // pixels
 inline constexpr double AxisLeft = 90.0;       // pixels left of the station axis, for the value labels
 inline constexpr double AxisRight = 20.0;      // pixels right of it
+
+// Most measured points drawn in one figure: a browser draws twenty thousand
+// without delay. Beyond that every k-th point inside the tolerance is drawn
+// (the figure says so) and every point outside it.
+inline constexpr std::size_t MaxDrawnPoints = 20000;
+
+// k for count points: 1 up to MaxDrawnPoints, then the smallest k that keeps
+// the points drawn within the limit.
+std::size_t DrawEvery(std::size_t count);
 
 struct Figure {
     std::string name;   // "plan", "curvature", "profile", "cant", "offsets", "heights": the SVG file's name
