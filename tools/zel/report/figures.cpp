@@ -310,12 +310,12 @@ Figure PlanFigure(zelalign::PlanDiagram const& plan, MeasuredPoints const* point
         double const ty = -std::cos(t.azimuth);
         double const nx = ty;
         double const ny = -tx;
-        double const x = X(t.east);
-        double const y = Y(t.north);
-        svg.Line(x - nx * TickHalfLength, y - ny * TickHalfLength, x + nx * TickHalfLength, y + ny * TickHalfLength,
-                 TextColour, 1.2);
-        svg.Text(x + nx * TickLabelDistance, y + ny * TickLabelDistance + 4.0, StationLabel(t.station), "middle",
+        // Drawn about the tick's point, so that a zoom can keep its screen size.
+        svg.OpenGroup("class=\"tick\" transform=\"translate(" + Px(X(t.east)) + ' ' + Px(Y(t.north)) + ")\"");
+        svg.Line(-nx * TickHalfLength, -ny * TickHalfLength, nx * TickHalfLength, ny * TickHalfLength, TextColour, 1.2);
+        svg.Text(nx * TickLabelDistance, ny * TickLabelDistance + 4.0, StationLabel(t.station), "middle",
                  LabelSize - 1.0);
+        svg.CloseGroup();
     }
 
     // Joints.

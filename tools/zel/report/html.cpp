@@ -99,12 +99,16 @@ constexpr char const* ZoomScript = R"(
   var sized = [];
   svg.querySelectorAll('circle').forEach(function (c) { sized.push([c, 'r', Number(c.getAttribute('r'))]); });
   svg.querySelectorAll('text').forEach(function (t) {
-    sized.push([t, 'font-size', Number(t.getAttribute('font-size'))]);
+    if (!t.closest('g.tick')) { sized.push([t, 'font-size', Number(t.getAttribute('font-size'))]); }
   });
+  // Station ticks are drawn about their point: scaled there as a whole.
+  svg.querySelectorAll('g.tick').forEach(function (g) { sized.push([g, 'transform', g.getAttribute('transform')]); });
   function show() {
     svg.setAttribute('viewBox', box.join(' '));
     var scale = box[2] / whole[2];
-    sized.forEach(function (s) { s[0].setAttribute(s[1], String(s[2] * scale)); });
+    sized.forEach(function (s) {
+      s[0].setAttribute(s[1], s[1] === 'transform' ? s[2] + ' scale(' + scale + ')' : String(s[2] * scale));
+    });
   }
   function at(e) {
     var r = svg.getBoundingClientRect();
