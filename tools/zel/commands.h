@@ -15,5 +15,6 @@ Command AddPointCommand(CLI::App& app);
 Command AddTmCommand(CLI::App& app);
 Command AddInfoCommand(CLI::App& app);
 Command AddExportCommand(CLI::App& app);
+Command AddReportCommand(CLI::App& app);
 
 }  // namespace zel

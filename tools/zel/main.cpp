@@ -5,6 +5,7 @@
 //   zel tm ALIGNMENT.xml --station S | --tunnel-metre T   station to tunnel metre and back
 //   zel info ALIGNMENT.xml [--json]        element table and profile
 //   zel export ALIGNMENT.xml               the alignment as GeoJSON
+//   zel report ALIGNMENT.xml [POINTS.csv]  an HTML report with plan, curvature, profile and offsets
 //
 // Every number comes from the alignment layer (zelalign); this program reads
 // the command line, and reads and writes files.
@@ -23,7 +24,7 @@
 
 namespace {
 
-std::string const SubcommandList = "station, point, tm, info, export";
+std::string const SubcommandList = "station, point, tm, info, export, report";
 
 }  // namespace
 
@@ -37,7 +38,7 @@ int main(int argc, char** argv)
 
     std::vector<zel::Command> const commands{zel::AddStationCommand(app), zel::AddPointCommand(app),
                                              zel::AddTmCommand(app), zel::AddInfoCommand(app),
-                                             zel::AddExportCommand(app)};
+                                             zel::AddExportCommand(app), zel::AddReportCommand(app)};
 
     // An unknown first word is named, with the list of subcommands.
     bool known = true;
