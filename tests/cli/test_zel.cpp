@@ -281,7 +281,7 @@ TEST(ZelCliConventions, ExitCodesTellUsageDataAndFileFailuresApart)
     // 2: the command line is wrong.
     Result r = Zel("frobnicate");
     EXPECT_EQ(r.status, 2);
-    EXPECT_NE(r.err.find("unknown subcommand 'frobnicate'; valid subcommands: station, point, tm, info, export"),
+    EXPECT_NE(r.err.find("unknown subcommand 'frobnicate'; valid subcommands: station, point, tm, info, export, report"),
               std::string::npos)
         << r.err;
     EXPECT_EQ(Zel("").status, 2);
