@@ -261,16 +261,23 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
         throw Failure(ExitBadData, pointsName + ": no points to station: " + EmptyInput(c) +
                                        "; expected rows id,east,north[,height]");
     }
+    // The table first: when it cannot be finished, the reject file goes too.
+    std::string const rejectedTo = rejects && c.rejected > 0 ? " (kept in " + rejects->Name() + ")" : "";
+    bool const toFile = out.Name() != "standard output";
+    if (stopped) {
+        out.Abandon();
+    } else {
+        begin();
+        table->Finish();
+        out.Close();
+    }
     if (rejects) {
         if (!rejectHeaderWritten) {
             rejects->Write("# no row of " + pointsName + " was rejected\n");
         }
         rejects->Close();
     }
-    std::string const rejectedTo = rejects && c.rejected > 0 ? " (kept in " + rejects->Name() + ")" : "";
     if (stopped) {
-        bool const toFile = out.Name() != "standard output";
-        out.Abandon();
         std::cerr << "zel: " << pointsName << ": stopped at the first rejected row: "
                   << Plural(c.Rows(), "point read", "points read") << " = " << written
                   << (toFile ? " stationed + " : " written + ") << c.rejected << " rejected" << rejectedTo
@@ -278,9 +285,6 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
                   << "; --bad-rows skip carries on past rejected rows\n";
         return ExitBadData;
     }
-    begin();
-    table->Finish();
-    out.Close();
     std::cerr << "zel: " << pointsName << ": " << Plural(c.Rows(), "point read", "points read") << " = " << written
               << " written + " << c.rejected << " rejected" << rejectedTo << Skipped(c) << "\n";
     return ExitSuccess;

@@ -71,7 +71,7 @@ Command AddPointCommand(CLI::App& app)
                     given.push_back("setting-out station " + Exact(s));
                 }
             } catch (zelalign::ArgumentError const& e) {
-                throw Failure(ExitUsage, e.what());
+                throw Failure(ExitUsage, std::string("--every, --from, --to: ") + e.what());
             }
         }
         // Every station is checked before anything is written.
