@@ -7,10 +7,13 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <vector>
 
 #include <unistd.h>
 
+#include <zelalign/error.h>
 #include <zelalign/readers/points_csv.h>
 #include <zelalign/stationed_point.h>
 
@@ -74,6 +77,62 @@ private:
 
 }  // namespace
 
+namespace {
+
+std::string Plural(long long n, char const* one, char const* many)
+{
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+// What a points file without a single row of points held.
+std::string EmptyInput(zelalign::PointsCsvCounts const& c)
+{
+    if (c.lines == 0) {
+        return "the file is empty";
+    }
+    std::string s = "the file holds only ";
+    std::vector<std::string> parts;
+    if (c.headerLine > 0) {
+        parts.push_back("a header (line " + std::to_string(c.headerLine) + ")");
+    }
+    if (c.blank > 0) {
+        parts.push_back(Plural(c.blank, "blank line", "blank lines"));
+    }
+    if (c.comment > 0) {
+        parts.push_back(Plural(c.comment, "comment line", "comment lines"));
+    }
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        s += (i == 0 ? "" : i + 1 == parts.size() ? " and " : ", ") + parts[i];
+    }
+    return s;
+}
+
+// "; skipped 1 header, 2 blank and 1 comment lines" for the lines that held no row.
+std::string Skipped(zelalign::PointsCsvCounts const& c)
+{
+    std::vector<std::string> parts;
+    if (c.headerLine > 0) {
+        parts.push_back("1 header");
+    }
+    if (c.blank > 0) {
+        parts.push_back(std::to_string(c.blank) + " blank");
+    }
+    if (c.comment > 0) {
+        parts.push_back(std::to_string(c.comment) + " comment");
+    }
+    if (parts.empty()) {
+        return std::string();
+    }
+    std::string s = "; skipped ";
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        s += (i == 0 ? "" : i + 1 == parts.size() ? " and " : ", ") + parts[i];
+    }
+    long long const lines = (c.headerLine > 0 ? 1 : 0) + c.blank + c.comment;
+    return s + (lines == 1 ? " line" : " lines");
+}
+
+}  // namespace
+
 int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& run, OutputOptions const& options,
                       std::vector<std::string> const& inputs)
 {
@@ -87,13 +146,26 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
         }
         in = &file;
     }
+    // Both outputs are checked against the inputs before either is created.
     Output out(options.path, inputs);
+    std::unique_ptr<Output> rejects;
+    if (!run.rejectPath.empty()) {
+        rejects = std::make_unique<Output>(run.rejectPath, inputs);
+    }
     std::string const angleColumn = std::string("azimuth_") + AngleUnitName(options.angleUnit);
     std::string const offsetColumn =
         options.offsetSide == zelalign::OffsetSide::Right ? "offset_right" : "offset_left";
-    TableWriter table(out, options.format,
-                      {"id", "element", "type", "station", offsetColumn, angleColumn, "radius", "design_height",
-                       "height_difference", "tunnel_metre", "status"});
+    // The table is begun with the first point, so that a file without points
+    // leaves no header behind.
+    std::optional<TableWriter> table;
+    auto begin = [&] {
+        if (!table) {
+            table.emplace(out, options.format,
+                          std::vector<std::string>{"id", "element", "type", "station", offsetColumn, angleColumn,
+                                                   "radius", "design_height", "height_difference", "tunnel_metre",
+                                                   "status"});
+        }
+    };
     Progress progress(run.pointsPath);
     zelalign::PointsCsvReader reader(*in, pointsName);
 
@@ -101,21 +173,25 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
     std::vector<double> east(BatchRows), north(BatchRows), height(BatchRows);
     std::vector<zelalign::StationedPoint> result(BatchRows);
     std::size_t n = 0;
-    long long bad = 0;
     long long written = 0;
     bool stopped = false;
+    bool rejectHeaderWritten = false;
 
     auto flush = [&] {
+        if (n == 0) {
+            return;
+        }
+        begin();
         alignment.Station(n, east.data(), north.data(), height.data(), result.data(), run.threads);
         for (std::size_t i = 0; i < n; ++i) {
             zelalign::StationedPoint const& r = result[i];
-            table.Text(points[i].id);
+            table->Text(points[i].id);
             if (r.element >= 0) {
-                table.Integer(r.element).Text(zelalign::ElementTypeName(r.type));
+                table->Integer(r.element).Text(zelalign::ElementTypeName(r.type));
             } else {
-                table.Text("").Text("");
+                table->Text("").Text("");
             }
-            table.Number(r.station, LengthDecimals)
+            table->Number(r.station, LengthDecimals)
                 .Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
                 .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
                 .Number(r.radius, LengthDecimals)
@@ -123,8 +199,8 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
                 .Number(r.heightDifference, LengthDecimals)
                 .Number(r.tunnelMetre, LengthDecimals)
                 .Text(zelalign::ProjectionStatusName(r.status));
-            table.SetPoint(east[i], north[i], height[i]);
-            table.EndRow();
+            table->SetPoint(east[i], north[i], height[i]);
+            table->EndRow();
         }
         written += static_cast<long long>(n);
         n = 0;
@@ -132,41 +208,85 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
         progress.Update(pos < 0 ? 0.0 : static_cast<double>(pos));
     };
 
-    for (auto row = reader.Next(&points[n]); row != zelalign::PointsCsvReader::Row::End;
-         row = reader.Next(&points[n])) {
-        if (row == zelalign::PointsCsvReader::Row::Malformed) {
-            ++bad;
-            if (!run.skipBad) {
-                std::cerr << "zel: error: " << reader.Message() << "\n";
-                stopped = true;
-                break;
+    // A rejected row into the reject file: the reason as a comment, then the row
+    // as read, so that the file, once its rows are mended, is a points file again.
+    auto reject = [&] {
+        if (!rejects) {
+            return;
+        }
+        if (!rejectHeaderWritten) {
+            rejects->Write("# rows of " + pointsName + " that zel station rejected, each after its reason\n");
+            if (!reader.HeaderText().empty()) {
+                rejects->Write(reader.HeaderText());
+                rejects->Write('\n');
             }
-            Warn(reader.Message());
-            continue;
+            rejectHeaderWritten = true;
         }
-        east[n] = points[n].east;
-        north[n] = points[n].north;
-        height[n] = points[n].height;
-        if (++n == BatchRows) {
-            flush();
+        rejects->Write("# " + reader.Message() + "\n");
+        rejects->Write(reader.RowText());
+        rejects->Write('\n');
+    };
+
+    try {
+        for (auto row = reader.Next(&points[n]); row != zelalign::PointsCsvReader::Row::End;
+             row = reader.Next(&points[n])) {
+            if (row == zelalign::PointsCsvReader::Row::Rejected) {
+                reject();
+                if (run.badRows == BadRows::Stop) {
+                    std::cerr << "zel: error: " << reader.Message() << "\n";
+                    stopped = true;
+                    break;
+                }
+                if (!rejects) {
+                    Warn(reader.Message());
+                }
+                continue;
+            }
+            east[n] = points[n].east;
+            north[n] = points[n].north;
+            height[n] = points[n].height;
+            if (++n == BatchRows) {
+                flush();
+            }
         }
-    }
-    if (in->bad()) {
-        throw Failure(ExitIoFailure, pointsName + ": cannot read the file: " + std::strerror(errno));
+    } catch (zelalign::IoError const& e) {
+        throw Failure(ExitIoFailure, e.what());
+    } catch (zelalign::DataError const& e) {
+        throw Failure(ExitBadData, e.what());
     }
     flush();
-    table.Finish();
     progress.Finish();
+    zelalign::PointsCsvCounts const& c = reader.Counts();
+    if (c.Rows() == 0) {
+        throw Failure(ExitBadData, pointsName + ": no points to station: " + EmptyInput(c) +
+                                       "; expected rows id,east,north[,height]");
+    }
+    // The table first: when it cannot be finished, the reject file goes too.
+    std::string const rejectedTo = rejects && c.rejected > 0 ? " (kept in " + rejects->Name() + ")" : "";
+    bool const toFile = out.Name() != "standard output";
     if (stopped) {
         out.Abandon();
-        std::cerr << "zel: error: stopped at the malformed row after " << written
-                  << " points; use --skip-bad to carry on past malformed rows\n";
+    } else {
+        begin();
+        table->Finish();
+        out.Close();
+    }
+    if (rejects) {
+        if (!rejectHeaderWritten) {
+            rejects->Write("# no row of " + pointsName + " was rejected\n");
+        }
+        rejects->Close();
+    }
+    if (stopped) {
+        std::cerr << "zel: " << pointsName << ": stopped at the first rejected row: "
+                  << Plural(c.Rows(), "point read", "points read") << " = " << written
+                  << (toFile ? " stationed + " : " written + ") << c.rejected << " rejected" << rejectedTo
+                  << (toFile ? "; " + out.Name() + " was not written" : std::string())
+                  << "; --bad-rows skip carries on past rejected rows\n";
         return ExitBadData;
     }
-    out.Close();
-    if (bad > 0) {
-        std::cerr << "zel: skipped " << bad << " malformed row" << (bad == 1 ? "" : "s") << "\n";
-    }
+    std::cerr << "zel: " << pointsName << ": " << Plural(c.Rows(), "point read", "points read") << " = " << written
+              << " written + " << c.rejected << " rejected" << rejectedTo << Skipped(c) << "\n";
     return ExitSuccess;
 }
 

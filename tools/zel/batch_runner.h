@@ -11,14 +11,23 @@
 
 namespace zel {
 
+// What a rejected row of the points file does: stop the run (the default) or
+// be skipped, reported and counted.
+enum class BadRows { Stop, Skip };
+
 struct StationRun {
     std::string pointsPath;  // "-" for standard input
     unsigned threads = 1;
-    bool skipBad = false;
+    BadRows badRows = BadRows::Stop;
+    // File that receives every rejected row, after a comment line with its
+    // file, line and reason; empty: the rejected rows go to standard error.
+    std::string rejectPath;
 };
 
-// Stations every point of the run and writes the table. Returns the exit code;
-// throws Failure for input and output failures.
+// Stations every point of the run and writes the table, then prints the
+// summary "points read = written + rejected" on standard error. Returns the
+// exit code; throws Failure for input and output failures and for a points
+// file that holds no rows of points.
 int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& run, OutputOptions const& output,
                       std::vector<std::string> const& inputs);
 

@@ -1,6 +1,5 @@
 // zel export: the alignment as a GeoJSON line, one feature per element, so
 // that a GIS opens it directly.
-#include <map>
 #include <memory>
 #include <string>
 
@@ -84,9 +83,8 @@ Command AddExportCommand(CLI::App& app)
     CLI::App* c = app.add_subcommand("export", "the alignment as a GeoJSON line for a GIS, one feature per element");
     AddAlignmentOptions(c, o->alignment);
     AddOutputOption(c, o->output);
-    std::map<std::string, ExportFormat> const formats{{"geojson", ExportFormat::GeoJson}};
-    c->add_option("--format", o->format, "output format: geojson (default)")
-        ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case));
+    AddChoice<ExportFormat>(c, "--format", o->format, {{"geojson", ExportFormat::GeoJson}},
+                            "output format: geojson (default)");
     c->add_option("--chord-error", o->chordError,
                   "largest distance between the curve and the chords of the line (metres, default 0.001)")
         ->check(FiniteNumber());

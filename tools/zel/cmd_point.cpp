@@ -1,6 +1,7 @@
 // zel point: the design point at stations (setting out).
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <zelalign/error.h>
@@ -28,7 +29,7 @@ Command AddPointCommand(CLI::App& app)
     struct Options {
         AlignmentOptions alignment;
         OutputOptions output;
-        std::vector<double> at;
+        std::vector<std::string> at;  // as given, for messages
         std::optional<double> every;
         std::optional<double> from;
         std::optional<double> to;
@@ -54,23 +55,31 @@ Command AddPointCommand(CLI::App& app)
             throw Failure(ExitUsage, "--from and --to go with --every");
         }
         zelalign::Alignment const a = LoadAlignment(o->alignment);
-        std::vector<double> stations = o->at;
+        std::vector<double> stations;
+        std::vector<std::string> given;  // each station as the user wrote it, or as computed
+        for (std::string const& text : o->at) {
+            stations.push_back(NumberOf(text));
+            given.push_back("--at " + text);
+        }
         if (o->every) {
             try {
                 std::vector<double> const table =
                     zelalign::SettingOutStations(o->from.value_or(a.StartStation()), o->to.value_or(a.EndStation()),
                                                  *o->every);
-                stations.insert(stations.end(), table.begin(), table.end());
+                for (double s : table) {
+                    stations.push_back(s);
+                    given.push_back("setting-out station " + Exact(s));
+                }
             } catch (zelalign::ArgumentError const& e) {
-                throw Failure(ExitUsage, e.what());
+                throw Failure(ExitUsage, std::string("--every, --from, --to: ") + e.what());
             }
         }
         // Every station is checked before anything is written.
         std::vector<zelalign::SetOutPoint> points(stations.size());
         for (std::size_t i = 0; i < stations.size(); ++i) {
             if (!a.SetOut(stations[i], &points[i])) {
-                throw Failure(ExitBadData, "station " + Exact(stations[i]) + " lies outside the alignment (" +
-                                               Exact(a.StartStation()) + " to " + Exact(a.EndStation()) + ")");
+                throw Failure(ExitBadData, given[i] + ": the station lies outside the alignment; expected a station from " +
+                                               Exact(a.StartStation()) + " to " + Exact(a.EndStation()));
             }
         }
         Output out(o->output.path, {o->alignment.path});

@@ -1,5 +1,6 @@
 // zel station: station, offset, design height and tunnel metre of measured points.
 #include <memory>
+#include <string>
 
 #include <zelalign/batch.h>
 
@@ -7,6 +8,7 @@
 #include "commands.h"
 #include "common.h"
 #include "exit_codes.h"
+#include "output.h"
 
 namespace zel {
 
@@ -30,13 +32,27 @@ Command AddStationCommand(CLI::App& app)
     AddOffsetSideOption(c, o->output);
     c->add_option("-j,--threads", o->run.threads, "number of threads (default: all cores)")
         ->check(CLI::Range(1u, 1024u));
-    c->add_flag("--skip-bad", o->run.skipBad, "report malformed rows and carry on instead of stopping");
+    AddChoice<BadRows>(c, "--bad-rows", o->run.badRows, {{"stop", BadRows::Stop}, {"skip", BadRows::Skip}},
+                       "what a row of the points file that cannot be read does: stop (default) ends the run with "
+                       "its file, line and value; skip reports it, counts it and carries on");
+    c->add_flag_callback(
+        "--skip-bad", [o] { o->run.badRows = BadRows::Skip; }, "the same as --bad-rows skip");
+    c->add_option("--reject-file", o->run.rejectPath,
+                  "write every rejected row, as read and after a comment line with its file, line and reason, to "
+                  "this file (a points file again once the rows are mended)");
     return [c, o]() -> int {
         if (!c->parsed()) {
             return -1;
         }
         if (o->alignment.path == "-" && o->run.pointsPath == "-") {
             throw Failure(ExitUsage, "the alignment and the points cannot both come from standard input");
+        }
+        if (o->run.rejectPath == "-") {
+            throw Failure(ExitUsage, "--reject-file needs a file name, not standard output");
+        }
+        if (!o->run.rejectPath.empty() && SameOutput(o->run.rejectPath, o->output.path)) {
+            throw Failure(ExitUsage, "--reject-file " + Quoted(o->run.rejectPath) +
+                                         " is also the output; give the rejected rows a file of their own");
         }
         zelalign::Alignment const a = LoadAlignment(o->alignment);
         return RunStationBatches(a, o->run, o->output, {o->alignment.path, o->run.pointsPath});

@@ -1,5 +1,6 @@
 // zel tm: station to tunnel metre and back.
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "commands.h"
@@ -21,8 +22,8 @@ Command AddTmCommand(CLI::App& app)
     struct Options {
         AlignmentOptions alignment;
         OutputOptions output;
-        std::vector<double> stations;
-        std::vector<double> tunnelMetres;
+        std::vector<std::string> stations;  // as given, for messages
+        std::vector<std::string> tunnelMetres;
     };
     auto o = std::make_shared<Options>();
     CLI::App* c = app.add_subcommand("tm", "station to tunnel metre and back");
@@ -41,19 +42,24 @@ Command AddTmCommand(CLI::App& app)
         zelalign::Alignment const a = LoadAlignment(o->alignment);
         // Every value is converted before anything is written.
         std::vector<std::pair<double, double>> rows;
-        for (double s : o->stations) {
+        for (std::string const& text : o->stations) {
+            double const s = NumberOf(text);
             double tm = 0.0;
             if (!a.ToTunnelMetre(s, &tm)) {
-                throw Failure(ExitBadData, "station " + Exact(s) + " lies outside the alignment (" +
-                                               Exact(a.StartStation()) + " to " + Exact(a.EndStation()) + ")");
+                throw Failure(ExitBadData, "--station " + text +
+                                               ": the station lies outside the alignment; expected a station from " +
+                                               Exact(a.StartStation()) + " to " + Exact(a.EndStation()));
             }
             rows.emplace_back(s, tm);
         }
-        for (double tm : o->tunnelMetres) {
+        for (std::string const& text : o->tunnelMetres) {
+            double const tm = NumberOf(text);
             double s = 0.0;
             if (!a.ToStation(tm, &s)) {
-                throw Failure(ExitBadData, "tunnel metre " + Exact(tm) + " lies outside the alignment (stations " +
-                                               Exact(a.StartStation()) + " to " + Exact(a.EndStation()) + ")");
+                throw Failure(ExitBadData, "--tunnel-metre " + text +
+                                               ": the tunnel metre lies outside the alignment; expected one whose "
+                                               "station lies from " +
+                                               Exact(a.StartStation()) + " to " + Exact(a.EndStation()));
             }
             rows.emplace_back(s, tm);
         }

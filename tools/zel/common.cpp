@@ -2,10 +2,10 @@
 
 #include <cmath>
 #include <iostream>
-#include <map>
 
 #include <zelalign/error.h>
 #include <zelalign/readers/landxml.h>
+#include <zelalign/readers/points_csv.h>
 
 #include "exit_codes.h"
 
@@ -17,16 +17,15 @@ namespace {
 CLI::Validator const Finite(
     [](std::string& text) -> std::string {
         double v = 0.0;
-        std::size_t used = 0;
-        try {
-            v = std::stod(text, &used);
-        } catch (std::exception const&) {
-            return "not a number: " + Quoted(text);
+        switch (zelalign::ParseDecimal(text, &v)) {
+        case zelalign::DecimalResult::Ok:
+            return std::string();
+        case zelalign::DecimalResult::OutOfRange:
+            return "out of range: " + Quoted(text) + "; expected a finite number, at most about 1.8e308 in magnitude";
+        case zelalign::DecimalResult::NotDecimal:
+            break;
         }
-        if (used != text.size() || !std::isfinite(v)) {
-            return "not a finite number: " + Quoted(text);
-        }
-        return std::string();
+        return "not a decimal number: " + Quoted(text) + "; expected a finite number such as 12500 or -1.5e3";
     },
     "NUMBER");
 
@@ -35,6 +34,15 @@ CLI::Validator const Finite(
 CLI::Validator const& FiniteNumber()
 {
     return Finite;
+}
+
+double NumberOf(std::string const& text)
+{
+    double v = 0.0;
+    if (zelalign::ParseDecimal(text, &v) != zelalign::DecimalResult::Ok) {
+        throw Failure(ExitUsage, "not a decimal number: " + Quoted(text));
+    }
+    return v;
 }
 
 void AddAlignmentOptions(CLI::App* app, AlignmentOptions& options)
@@ -58,28 +66,25 @@ void AddOutputOption(CLI::App* app, OutputOptions& options)
 
 void AddFormatOption(CLI::App* app, OutputOptions& options)
 {
-    std::map<std::string, TableFormat> const formats{
-        {"csv", TableFormat::Csv}, {"tsv", TableFormat::Tsv}, {"geojson", TableFormat::GeoJson}};
-    app->add_option("--format", options.format, "output format: csv, tsv or geojson (default: csv)")
-        ->transform(CLI::CheckedTransformer(formats, CLI::ignore_case));
+    AddChoice<TableFormat>(app, "--format", options.format,
+                           {{"csv", TableFormat::Csv}, {"tsv", TableFormat::Tsv}, {"geojson", TableFormat::GeoJson}},
+                           "output format: csv, tsv or geojson (default: csv)");
 }
 
 void AddAngleOption(CLI::App* app, OutputOptions& options)
 {
-    std::map<std::string, AngleUnit> const units{
-        {"gon", AngleUnit::Gon}, {"deg", AngleUnit::Degree}, {"rad", AngleUnit::Radian}};
-    app->add_option("--angle-unit", options.angleUnit, "unit of the azimuth column: gon, deg or rad (default: gon)")
-        ->transform(CLI::CheckedTransformer(units, CLI::ignore_case));
+    AddChoice<AngleUnit>(app, "--angle-unit", options.angleUnit,
+                         {{"gon", AngleUnit::Gon}, {"deg", AngleUnit::Degree}, {"rad", AngleUnit::Radian}},
+                         "unit of the azimuth column: gon, deg or rad (default: gon)");
 }
 
 void AddOffsetSideOption(CLI::App* app, OutputOptions& options)
 {
-    std::map<std::string, zelalign::OffsetSide> const sides{
-        {"right", zelalign::OffsetSide::Right}, {"left", zelalign::OffsetSide::Left}};
-    app->add_option("--offset-sign", options.offsetSide,
-                    "side of the alignment whose offsets are positive: right (railway practice, default) or left "
-                    "(GIS tools); the offset column is named offset_right or offset_left")
-        ->transform(CLI::CheckedTransformer(sides, CLI::ignore_case));
+    AddChoice<zelalign::OffsetSide>(
+        app, "--offset-sign", options.offsetSide,
+        {{"right", zelalign::OffsetSide::Right}, {"left", zelalign::OffsetSide::Left}},
+        "side of the alignment whose offsets are positive: right (railway practice, default) or left "
+        "(GIS tools); the offset column is named offset_right or offset_left");
 }
 
 void Warn(std::string const& message)

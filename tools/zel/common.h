@@ -2,7 +2,9 @@
 // output options, the choice of units and formats.
 #pragma once
 
+#include <cctype>
 #include <memory>
+#include <utility>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,8 +45,53 @@ void AddOffsetSideOption(CLI::App* app, OutputOptions& options);
 // Throws Failure with the exit code that fits the problem.
 zelalign::Alignment LoadAlignment(AlignmentOptions const& options);
 
-// Accepts a finite decimal number only; the message quotes the value as given.
+// Accepts a finite decimal number only (no hexadecimal, inf or nan); the
+// message quotes the value as given.
 CLI::Validator const& FiniteNumber();
+
+// The value of an option text that FiniteNumber() has accepted.
+double NumberOf(std::string const& text);
+
+// Adds an option that takes one of a few words (case-insensitive) and sets
+// target to the value that goes with it. Another word is refused with the
+// word as given and the list of valid ones.
+template <typename T>
+CLI::Option* AddChoice(CLI::App* app, std::string const& name, T& target,
+                       std::vector<std::pair<std::string, T>> const& choices, std::string const& help)
+{
+    auto const lower = [](std::string s) {
+        for (char& c : s) {
+            c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        }
+        return s;
+    };
+    std::string list;
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        list += (i == 0 ? "" : i + 1 == choices.size() ? " or " : ", ") + choices[i].first;
+    }
+    CLI::Validator const valid(
+        [choices, list, lower](std::string& text) -> std::string {
+            for (auto const& c : choices) {
+                if (c.first == lower(text)) {
+                    return std::string();
+                }
+            }
+            return "unknown value " + Quoted(text) + "; expected " + list;
+        },
+        "WORD");
+    return app
+        ->add_option_function<std::string>(
+            name,
+            [&target, choices, lower](std::string const& text) {
+                for (auto const& c : choices) {
+                    if (c.first == lower(text)) {
+                        target = c.second;
+                    }
+                }
+            },
+            help)
+        ->check(valid);
+}
 
 // Prints "zel: warning: message" to standard error.
 void Warn(std::string const& message);

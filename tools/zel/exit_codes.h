@@ -23,4 +23,11 @@ private:
     ExitCode m_code;
 };
 
+// The reader of the output pipe has gone (zel ... | head): the run ends
+// quietly, as by SIGPIPE, once every file it was writing has been removed.
+class PipeClosed : public std::exception {
+public:
+    char const* what() const noexcept override { return "the output pipe was closed"; }
+};
+
 }  // namespace zel

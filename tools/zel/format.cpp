@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace zel {
 
@@ -105,34 +104,6 @@ std::string Exact(double v)
     std::string s;
     AppendExact(s, v);
     return s;
-}
-
-std::string Quoted(std::string_view value)
-{
-    std::string s;
-    std::size_t shown = 0;
-    for (char c : value) {
-        if (shown == MaxQuotedLength) {
-            s += "...";
-            break;
-        }
-        auto const u = static_cast<unsigned char>(c);
-        if (c == '\n') {
-            s += "\\n";
-        } else if (c == '\r') {
-            s += "\\r";
-        } else if (c == '\t') {
-            s += "\\t";
-        } else if (u < 0x20 || u == 0x7f) {
-            char buf[8];
-            std::snprintf(buf, sizeof buf, "\\x%02x", u);
-            s += buf;
-        } else {
-            s += c;
-        }
-        ++shown;
-    }
-    return "'" + s + "'";
 }
 
 }  // namespace zel

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include <zelalign/message.h>
+
 namespace zel {
 
 enum class AngleUnit { Gon, Degree, Radian };
@@ -27,10 +29,9 @@ void AppendExact(std::string& out, double v);
 std::string Fixed(double v, int decimals);
 std::string Exact(double v);
 
-// A value from the input as it may appear in a message: control characters
-// escaped (\n, \t, \xHH) and anything beyond MaxQuotedLength characters cut
-// with an ellipsis.
-inline constexpr std::size_t MaxQuotedLength = 80;
-std::string Quoted(std::string_view value);
+// A value from the input as it may appear in a message: quoted, control
+// characters escaped, cut after zelalign::MaxQuotedLength characters; the same
+// helper as the alignment layer's messages.
+using zelalign::Quoted;
 
 }  // namespace zel

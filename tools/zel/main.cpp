@@ -9,6 +9,8 @@
 //
 // Every number comes from the alignment layer (zelalign); this program reads
 // the command line, and reads and writes files.
+#include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <iostream>
 #include <new>
@@ -17,19 +19,104 @@
 
 #include <CLI/CLI.hpp>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <zelalign/version.h>
 
 #include "commands.h"
 #include "exit_codes.h"
+#include "format.h"
+#include "output.h"
 
 namespace {
 
 std::string const SubcommandList = "station, point, tm, info, export, report";
 
+// Standard input, output and error closed when the program starts are taken by
+// /dev/null, so that no file the program opens lands on their numbers; a
+// closed standard output then refuses writing (see MarkStandardOutputClosed).
+void GuardStandardDescriptors()
+{
+    for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) {
+        if (::fcntl(fd, F_GETFD) == -1 && errno == EBADF) {
+            int const null = ::open("/dev/null", fd == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+            if (null >= 0 && null != fd) {
+                ::dup2(null, fd);
+                ::close(null);
+            }
+            if (fd == STDOUT_FILENO) {
+                zel::MarkStandardOutputClosed();
+            }
+        }
+    }
+}
+
+// "--output, --format, ..." : the named options of a subcommand.
+std::string OptionList(CLI::App const* app)
+{
+    std::string list;
+    for (CLI::Option const* opt : app->get_options()) {
+        if (!opt->nonpositional()) {
+            continue;
+        }
+        list += (list.empty() ? "" : ", ") + opt->get_name();
+    }
+    return list;
+}
+
+// A command line error in the one message format, with where to look next.
+int UsageError(CLI::App& app, CLI::ParseError const& e, int argc, char** argv)
+{
+    CLI::App* sub = nullptr;
+    if (argc > 1) {
+        try {
+            sub = app.get_subcommand(argv[1]);
+        } catch (CLI::OptionNotFound const&) {
+            sub = nullptr;
+        }
+    }
+    std::string const command = sub != nullptr ? "zel " + sub->get_name() : std::string("zel");
+    std::string what = e.what();
+    if (dynamic_cast<CLI::ExtrasError const*>(&e) != nullptr) {
+        std::vector<std::string> const extras = sub != nullptr && !sub->remaining().empty() ? sub->remaining()
+                                                                                             : app.remaining();
+        std::string named;
+        for (std::string const& x : extras) {
+            named += (named.empty() ? "" : ", ") + zel::Quoted(x);
+        }
+        what = (extras.size() == 1 ? "unknown option or extra argument " : "unknown options or extra arguments ") +
+               named + " for " + command + "; valid options: " + OptionList(sub != nullptr ? sub : &app);
+    }
+    std::cerr << "zel: error: " << what << "\nRun '" << command << " --help' for more information.\n";
+    return zel::ExitUsage;
+}
+
+// What --help and --version print goes to standard output too: a failed write
+// is an error like any other.
+int CheckedStandardOutput(int code)
+{
+    std::cout.flush();
+    if (!std::cout) {
+        int const error = errno;
+        if (error == EPIPE) {
+            return code;
+        }
+        std::cerr << "zel: error: standard output: cannot write: " << std::strerror(error) << "\n";
+        return zel::ExitIoFailure;
+    }
+    return code;
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    GuardStandardDescriptors();
+    // A closed pipe is seen as EPIPE, so that the files being written are removed
+    // before the run ends as by SIGPIPE (see PipeClosed).
+    std::signal(SIGPIPE, SIG_IGN);
+
     CLI::App app{"zel: stationing of measured points along railway and tunnel alignments from LandXML.\n"
                  "Offsets are positive to the right of the direction of increasing station.\n"
                  "Exit status: 0 success, 1 bad data, 2 wrong command line, 3 a file could not be read or written."};
@@ -56,11 +143,10 @@ int main(int argc, char** argv)
     }
     try {
         app.parse(argc, argv);
-    } catch (CLI::Success const& e) {
-        return app.exit(e);
+    } catch (CLI::Success const& e) {  // --help, --version (CallForHelp derives from Success)
+        return CheckedStandardOutput(app.exit(e));
     } catch (CLI::ParseError const& e) {
-        app.exit(e);
-        return zel::ExitUsage;
+        return UsageError(app, e, argc, argv);
     }
 
     try {
@@ -70,6 +156,11 @@ int main(int argc, char** argv)
                 return code;
             }
         }
+    } catch (zel::PipeClosed const&) {
+        // Every output has been removed or left as it was by now.
+        std::signal(SIGPIPE, SIG_DFL);
+        std::raise(SIGPIPE);
+        return zel::ExitIoFailure;
     } catch (zel::Failure const& e) {
         std::cerr << "zel: error: " << e.what() << "\n";
         return e.Code();

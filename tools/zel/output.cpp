@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -23,7 +25,36 @@ bool SameFile(struct stat const& a, struct stat const& b)
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+bool g_stdoutClosed = false;
+
+bool IsStdout(std::string const& path)
+{
+    return path.empty() || path == "-";
+}
+
 }  // namespace
+
+void MarkStandardOutputClosed()
+{
+    g_stdoutClosed = true;
+}
+
+bool SameOutput(std::string const& a, std::string const& b)
+{
+    if (IsStdout(a) || IsStdout(b)) {
+        return IsStdout(a) && IsStdout(b);
+    }
+    struct stat sa{};
+    struct stat sb{};
+    if (::stat(a.c_str(), &sa) == 0 && ::stat(b.c_str(), &sb) == 0) {
+        return SameFile(sa, sb);
+    }
+    std::error_code ea;
+    std::error_code eb;
+    auto const ca = std::filesystem::weakly_canonical(std::filesystem::absolute(a, ea), ea);
+    auto const cb = std::filesystem::weakly_canonical(std::filesystem::absolute(b, eb), eb);
+    return !ea && !eb ? ca == cb : a == b;
+}
 
 Output::Output(std::string const& path, std::vector<std::string> const& inputs)
 {
@@ -44,10 +75,21 @@ Output::Output(std::string const& path, std::vector<std::string> const& inputs)
         }
     }
     if (toStdout) {
+        if (g_stdoutClosed) {
+            Fail("cannot write", EBADF);
+        }
         m_fd = STDOUT_FILENO;
         return;
     }
     m_path = path;
+    if (targetExists && S_ISREG(target.st_mode)) {
+        // Through a symbolic link the file it points to is replaced, not the link.
+        char* real = ::realpath(path.c_str(), nullptr);
+        if (real != nullptr) {
+            m_path = real;
+            std::free(real);
+        }
+    }
     if (targetExists && !S_ISREG(target.st_mode)) {
         // A device or a pipe (/dev/null, /dev/stdout, a FIFO) is written in place.
         m_fd = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -57,7 +99,7 @@ Output::Output(std::string const& path, std::vector<std::string> const& inputs)
         m_path.clear();
         return;
     }
-    m_tempPath = path + ".zel-XXXXXX";
+    m_tempPath = m_path + ".zel-XXXXXX";
     std::vector<char> name(m_tempPath.begin(), m_tempPath.end());
     name.push_back('\0');
     m_fd = ::mkstemp(name.data());
@@ -67,10 +109,17 @@ Output::Output(std::string const& path, std::vector<std::string> const& inputs)
         Fail("cannot create the file", error);
     }
     m_tempPath = name.data();
-    // mkstemp creates 0600; a table is an ordinary file, readable as the umask allows.
-    mode_t const mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(m_fd, 0666 & ~mask);
+    // mkstemp creates 0600: a file that is replaced keeps its permissions, a
+    // new table is an ordinary file, readable as the umask allows.
+    mode_t mode = 0;
+    if (targetExists) {
+        mode = target.st_mode & 07777;
+    } else {
+        mode_t const mask = ::umask(0);
+        ::umask(mask);
+        mode = 0666 & ~mask;
+    }
+    ::fchmod(m_fd, mode);
 }
 
 Output::~Output()
@@ -109,6 +158,9 @@ void Output::Flush()
         if (n < 0) {
             if (errno == EINTR) {
                 continue;
+            }
+            if (errno == EPIPE) {
+                throw PipeClosed();  // the reader went away (| head): end quietly
             }
             Fail("cannot write", errno);
         }

@@ -13,6 +13,15 @@
 
 namespace zel {
 
+// Standard output was closed when the program started (its descriptor has
+// been taken by /dev/null so that no file lands on it): writing to it fails.
+void MarkStandardOutputClosed();
+
+// True when two output paths name the same file: the same name once the
+// folders are resolved, or the same device and inode. "" and "-" are standard
+// output.
+bool SameOutput(std::string const& a, std::string const& b);
+
 class Output {
 public:
     // path "" or "-" is standard output. inputs are the run's input files
@@ -23,6 +32,9 @@ public:
     Output(Output const&) = delete;
     Output& operator=(Output const&) = delete;
 
+    // Buffered; a failing write throws Failure (ExitIoFailure) naming the
+    // output and the system's reason, or PipeClosed when the reader of a pipe
+    // has gone.
     void Write(std::string_view text);
     void Write(char c) { Write(std::string_view(&c, 1)); }
     // Writes out what is buffered and, for a file, closes it and renames it into

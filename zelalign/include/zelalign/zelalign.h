@@ -7,6 +7,7 @@
 #include <zelalign/diagrams.h>
 #include <zelalign/error.h>
 #include <zelalign/horizontal.h>
+#include <zelalign/message.h>
 #include <zelalign/polyline.h>
 #include <zelalign/profile.h>
 #include <zelalign/readers/landxml.h>
