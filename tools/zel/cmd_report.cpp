@@ -79,7 +79,7 @@ StationedFile StationPoints(zelalign::Alignment const& a, std::string const& pat
         if (row == zelalign::PointsCsvReader::Row::End) {
             break;
         }
-        if (row == zelalign::PointsCsvReader::Row::Malformed) {
+        if (row == zelalign::PointsCsvReader::Row::Rejected) {
             throw Failure(ExitBadData, reader.Message());
         }
         f.ids.push_back(p.id);

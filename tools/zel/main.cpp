@@ -22,6 +22,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <zelalign/error.h>
 #include <zelalign/version.h>
 
 #include "commands.h"
@@ -166,6 +167,9 @@ int main(int argc, char** argv)
         return e.Code();
     } catch (std::bad_alloc const&) {
         std::cerr << "zel: error: out of memory\n";
+        return zel::ExitIoFailure;
+    } catch (zelalign::IoError const& e) {
+        std::cerr << "zel: error: " << e.what() << "\n";
         return zel::ExitIoFailure;
     } catch (std::exception const& e) {
         std::cerr << "zel: error: " << e.what() << "\n";
