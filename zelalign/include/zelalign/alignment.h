@@ -25,6 +25,7 @@
 #include <zelalign/set_out.h>
 #include <zelalign/stationed_point.h>
 #include <zelalign/tunnel_metre.h>
+#include <zelalign/validation.h>
 #include <zelalign/zelalign_export.h>
 
 namespace zelalign {
@@ -37,11 +38,20 @@ struct TunnelMetreReference {
 };
 
 // Where an alignment came from: the file, and the file line of each horizontal
-// element; and what its reader noticed but accepted.
+// element; what its reader noticed but accepted; and the tolerances its
+// elements and profile are checked with (see validation.h).
 struct AlignmentSource {
     std::string path;                   // empty for an alignment built in code
     std::vector<int> elementLines;      // one per horizontal element, 0 where unknown
+    std::vector<std::string> elementTags;  // the file's element names ("Spiral"), empty where unknown
+    // Start station of each element as its file states it (metres), NaN where
+    // none is stated; empty when not known. Checked against the stations
+    // along the alignment, never used for them.
+    std::vector<double> statedStarts;
+    std::vector<int> profileLines;      // one per profile point, 0 where unknown
+    int profileLine = 0;                // line of the profile as a whole
     std::vector<std::string> warnings;  // "file:line: <Element>: message"
+    Tolerances tolerances;
 };
 
 class ZELALIGN_EXPORT Alignment {
@@ -49,8 +59,11 @@ public:
     // An empty alignment; every query on it fails.
     Alignment();
 
-    // Builds an alignment from its parts. The profile may be empty. Throws
-    // DataError when the tunnel-metre reference is not finite.
+    // Builds an alignment from its parts. The profile may be empty. Checks the
+    // parts with Validate (tolerances from source): warnings are appended to
+    // the source's warnings as "file:line: <Element> (type): message"; a
+    // refusal throws DataError with the same place and the size of the miss.
+    // Also throws DataError when the tunnel-metre reference is not finite.
     Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile = VerticalProfile(),
               TunnelMetreReference reference = TunnelMetreReference(), AlignmentSource source = AlignmentSource());
 

@@ -13,4 +13,5 @@
 #include <zelalign/set_out.h>
 #include <zelalign/stationed_point.h>
 #include <zelalign/tunnel_metre.h>
+#include <zelalign/validation.h>
 #include <zelalign/version.h>
