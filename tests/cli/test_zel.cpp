@@ -266,3 +266,32 @@ TEST(ZelCliKink, PointOutsideAKinkIsReportedAtTheJoint)
     // no profile, so no design height; tunnel metre one to one.
     EXPECT_EQ(Lines(r.out).at(1), "w,1,line,100.0000,-4.9497,50.000000,0.0000,,,100.0000,kink");
 }
+
+// Station equations in the tables: kilometre 12 is 1003.2 m long (see
+// tests/data/landxml/kilometre_posts.xml); displayed = ahead + (internal -
+// equation's internal), worked out by hand.
+TEST(ZelCliStations, DisplayedStationsInPointAndStation)
+{
+    std::string const file = std::string(ZEL_SOURCE_DIR) + "/tests/data/landxml/kilometre_posts.xml";
+    Result r = Zel("point " + file + " --at-displayed 13001 --at-displayed 13+1 --station-format km");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0].rfind("station,displayed_station,region,element,", 0), 0u) << lines[0];
+    EXPECT_EQ(lines[1].rfind("1+001.0000,12+1001.0000,12,0,line,0.0000,1001.0000,", 0), 0u) << lines[1];
+    EXPECT_EQ(lines[2].rfind("1+004.2000,13+001.0000,13,1,line,0.0000,1004.2000,", 0), 0u) << lines[2];
+    // 13001 occurs twice; the note names both places.
+    EXPECT_NE(r.err.find("displayed station '13001' occurs 2 times: internal 1001.0000 (region 12), internal "
+                         "1004.2000 (region 13); using the first"),
+              std::string::npos)
+        << r.err;
+    r = Zel("point " + file + " --at-displayed 3000");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("displayed station '3000' does not occur on the alignment"), std::string::npos) << r.err;
+    std::string const points = Temp("km_points.csv");
+    Write(points, "p1,3,2500\n");
+    r = Zel("station " + file + " " + points);
+    ASSERT_EQ(r.status, 0) << r.err;
+    ASSERT_EQ(Lines(r.out).size(), 2u);
+    EXPECT_EQ(Lines(r.out)[1], "p1,2,line,2500.0000,14496.8000,14,3.0000,0.000000,0.0000,,,2500.0000,on");
+}

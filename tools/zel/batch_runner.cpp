@@ -91,9 +91,16 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
     std::string const angleColumn = std::string("azimuth_") + AngleUnitName(options.angleUnit);
     std::string const offsetColumn =
         options.offsetSide == zelalign::OffsetSide::Right ? "offset_right" : "offset_left";
-    TableWriter table(out, options.format,
-                      {"id", "element", "type", "station", offsetColumn, angleColumn, "radius", "design_height",
-                       "height_difference", "tunnel_metre", "status"});
+    std::vector<std::string> columns{"id", "element", "type"};
+    for (std::string const& c : StationColumnNames(alignment)) {
+        columns.push_back(c);
+    }
+    for (char const* c : {"offset", "azimuth", "radius", "design_height", "height_difference", "tunnel_metre", "status"}) {
+        columns.emplace_back(c);
+    }
+    columns[columns.size() - 7] = offsetColumn;
+    columns[columns.size() - 6] = angleColumn;
+    TableWriter table(out, options.format, columns);
     Progress progress(run.pointsPath);
     zelalign::PointsCsvReader reader(*in, pointsName);
 
@@ -115,8 +122,8 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
             } else {
                 table.Text("").Text("");
             }
-            table.Number(r.station, LengthDecimals)
-                .Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
+            WriteStationCells(table, alignment, options, r.station, r.displayedStation, r.region);
+            table.Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
                 .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
                 .Number(r.radius, LengthDecimals)
                 .Number(r.designHeight, LengthDecimals)

@@ -81,13 +81,14 @@ AlignmentSource Checked(AlignmentSource source, HorizontalAlignment const& horiz
 Alignment::Alignment() = default;
 
 Alignment::Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile,
-                     TunnelMetreReference reference, AlignmentSource source)
+                     TunnelMetreReference reference, AlignmentSource source, StationEquations equations)
     : m_name(std::move(name)),
       m_horizontal(std::move(horizontal)),
       m_profile(std::move(profile)),
       m_reference(reference),
       m_tunnel(MakeTunnelMap(m_horizontal, m_profile, m_reference)),
-      m_source(Checked(std::move(source), m_horizontal, m_profile))
+      m_source(Checked(std::move(source), m_horizontal, m_profile)),
+      m_equations(std::move(equations))
 {
 }
 
@@ -121,6 +122,9 @@ StationedPoint Alignment::Station(double east, double north, double height) cons
     r.element = f.element;
     r.type = m_horizontal.Elements()[static_cast<std::size_t>(f.element)].type;
     r.station = f.station;
+    DisplayedStation const shown = m_equations.ToDisplayed(f.station);
+    r.displayedStation = shown.value;
+    r.region = shown.region;
     r.offset = p.offset;
     r.along = p.along;
     r.footEast = f.east;
@@ -164,6 +168,8 @@ void Alignment::Station(std::size_t count, double const* east, double const* nor
             if (out.heightDifference) out.heightDifference[i] = p.heightDifference;
             if (out.tunnelMetre) out.tunnelMetre[i] = p.tunnelMetre;
             if (out.status) out.status[i] = static_cast<std::int32_t>(p.status);
+            if (out.displayedStation) out.displayedStation[i] = p.displayedStation;
+            if (out.region) out.region[i] = p.region;
         }
     });
 }
@@ -176,6 +182,9 @@ bool Alignment::SetOut(double station, SetOutPoint* point) const
     }
     SetOutPoint r;
     r.station = station;
+    DisplayedStation const shown = m_equations.ToDisplayed(station);
+    r.displayedStation = shown.value;
+    r.region = shown.region;
     r.element = p.element;
     r.type = m_horizontal.Elements()[static_cast<std::size_t>(p.element)].type;
     r.east = p.east;

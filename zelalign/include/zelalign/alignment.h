@@ -23,6 +23,7 @@
 #include <zelalign/horizontal.h>
 #include <zelalign/profile.h>
 #include <zelalign/set_out.h>
+#include <zelalign/station_equations.h>
 #include <zelalign/stationed_point.h>
 #include <zelalign/tunnel_metre.h>
 #include <zelalign/validation.h>
@@ -65,7 +66,8 @@ public:
     // refusal throws DataError with the same place and the size of the miss.
     // Also throws DataError when the tunnel-metre reference is not finite.
     Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile = VerticalProfile(),
-              TunnelMetreReference reference = TunnelMetreReference(), AlignmentSource source = AlignmentSource());
+              TunnelMetreReference reference = TunnelMetreReference(), AlignmentSource source = AlignmentSource(),
+              StationEquations equations = StationEquations());
 
     // The same alignment with another tunnel-metre reference.
     Alignment WithTunnelMetreReference(TunnelMetreReference const& reference) const;
@@ -75,6 +77,9 @@ public:
     VerticalProfile const& Profile() const { return m_profile; }
     TunnelMetreMap const& TunnelMetres() const { return m_tunnel; }
     AlignmentSource const& Source() const { return m_source; }
+    // The station equations (displayed stations); empty when the displayed
+    // station is the internal one.
+    StationEquations const& Equations() const { return m_equations; }
     std::vector<std::string> const& Warnings() const { return m_source.warnings; }
     std::vector<int> const& SourceLines() const { return m_source.elementLines; }
     bool Empty() const { return m_horizontal.Empty(); }
@@ -118,6 +123,7 @@ private:
     TunnelMetreReference m_reference;
     TunnelMetreMap m_tunnel;
     AlignmentSource m_source;
+    StationEquations m_equations;
 };
 
 }  // namespace zelalign

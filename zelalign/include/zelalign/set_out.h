@@ -15,6 +15,10 @@ namespace zelalign {
 // where the alignment has no profile.
 struct SetOutPoint {
     double station = 0.0;  // internal station (metres)
+    // Displayed station (metres) after the station equations; the internal
+    // station where the alignment has none.
+    double displayedStation = 0.0;
+    int region = -1;  // the station equation in force; -1 before the first or without any
     int element = -1;      // index of the element; at a joint the later one
     ElementType type = ElementType::Line;
     double east = 0.0;     // metres

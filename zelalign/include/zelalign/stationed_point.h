@@ -17,6 +17,10 @@ struct StationedPoint {
     int element = -1;                   // index of the element of the foot; -1 when there is none
     ElementType type = ElementType::Line;  // kind of that element
     double station = std::numeric_limits<double>::quiet_NaN();  // internal station of the foot (metres)
+    // Displayed station of the foot (metres) after the alignment's station
+    // equations; the internal station where it has none.
+    double displayedStation = std::numeric_limits<double>::quiet_NaN();
+    int region = -1;  // the station equation in force at the foot; -1 before the first or without any
     // Signed distance from the foot across the tangent (metres): positive to the
     // right of the direction of increasing station. At a kink, before the start
     // and beyond the end it is taken across the reported tangent.
@@ -61,6 +65,8 @@ struct StationColumns {
     double* heightDifference = nullptr;
     double* tunnelMetre = nullptr;
     std::int32_t* status = nullptr;
+    double* displayedStation = nullptr;
+    std::int32_t* region = nullptr;
 };
 
 }  // namespace zelalign

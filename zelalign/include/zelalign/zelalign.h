@@ -11,6 +11,7 @@
 #include <zelalign/readers/landxml.h>
 #include <zelalign/readers/points_csv.h>
 #include <zelalign/set_out.h>
+#include <zelalign/station_equations.h>
 #include <zelalign/stationed_point.h>
 #include <zelalign/tunnel_metre.h>
 #include <zelalign/validation.h>

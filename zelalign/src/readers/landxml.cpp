@@ -168,6 +168,7 @@ private:
     HorizontalElement ReadCurve(pugi::xml_node node, double station);
     HorizontalElement ReadSpiral(pugi::xml_node node, double station);
     VerticalProfile ReadProfile(pugi::xml_node profAlign, AlignmentSource* source);
+    StationEquations ReadEquations(pugi::xml_node alignment);
 
     pugi::xml_node Root(pugi::xml_document& doc);
 
@@ -393,6 +394,47 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign, AlignmentSource* s
     }
 }
 
+// StaEquation children of an Alignment: staInternal and staAhead are
+// required; staBack may be missing or NaN (the first kilometre post); desc
+// names the region (the kilometre).
+StationEquations Reader::ReadEquations(pugi::xml_node alignment)
+{
+    std::vector<StationEquation> equations;
+    std::vector<pugi::xml_node> nodes;
+    for (pugi::xml_node c = alignment.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element || std::strcmp(LocalName(c), "StaEquation") != 0) {
+            continue;
+        }
+        StationEquation e;
+        e.internal = Attribute(c, "staInternal");
+        e.ahead = Attribute(c, "staAhead");
+        pugi::xml_attribute back = c.attribute("staBack");
+        std::string const backText = back.value();
+        if (!back.empty() && backText != "NaN" && backText != "nan") {
+            e.back = Number(c, "attribute 'staBack'", back.value(), false);
+        }
+        e.region = c.attribute("desc").value();
+        equations.push_back(e);
+        nodes.push_back(c);
+    }
+    // Files list them by station; keep that order but refuse a repeat.
+    std::vector<std::size_t> order(equations.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        order[i] = i;
+    }
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return equations[a].internal < equations[b].internal; });
+    std::vector<StationEquation> sorted;
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        if (k > 0 && equations[order[k]].internal == equations[order[k - 1]].internal) {
+            Fail(nodes[order[k]], "a second station equation at internal station " +
+                                      std::string(nodes[order[k]].attribute("staInternal").value()));
+        }
+        sorted.push_back(equations[order[k]]);
+    }
+    return StationEquations(std::move(sorted));
+}
+
 pugi::xml_node Reader::Root(pugi::xml_document& doc)
 {
     pugi::xml_parse_result const parsed =
@@ -468,6 +510,7 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
         station = Attribute(alignment, "staStart");
         stationKnown = true;
     }
+    StationEquations const equations = ReadEquations(alignment);
     std::vector<HorizontalElement> elements;
     std::vector<pugi::xml_node> nodes;
     for (pugi::xml_node c = geometry.first_child(); c; c = c.next_sibling()) {
@@ -513,7 +556,11 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
         }
         elements.push_back(element);
         nodes.push_back(c);
-        source.statedStarts.push_back(stated);
+        // An element station stated as a displayed station (after an
+        // equation) agrees with the alignment: nothing to check.
+        double const displayed = equations.ToDisplayed(element.StartStation()).value;
+        bool const asDisplayed = !equations.Empty() && std::fabs(stated - displayed) <= m_tolerances.station;
+        source.statedStarts.push_back(asDisplayed ? std::numeric_limits<double>::quiet_NaN() : stated);
         station = element.EndStation();
     }
     if (elements.empty()) {
@@ -536,7 +583,8 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
     source.tolerances = m_tolerances;
     source.warnings = m_warnings;
     try {
-        return Alignment(alignmentName, std::move(horizontal), std::move(profile), reference, std::move(source));
+        return Alignment(alignmentName, std::move(horizontal), std::move(profile), reference, std::move(source),
+                         equations);
     } catch (DataError const& e) {
         // The checks of the elements and the profile name their own place.
         std::string const message = e.what();
