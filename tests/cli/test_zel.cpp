@@ -295,3 +295,17 @@ TEST(ZelCliStations, DisplayedStationsInPointAndStation)
     ASSERT_EQ(Lines(r.out).size(), 2u);
     EXPECT_EQ(Lines(r.out)[1], "p1,2,line,2500.0000,14496.8000,14,3.0000,0.000000,0.0000,,,2500.0000,on");
 }
+
+// Applied cant in the tables (tests/data/landxml/cant_millimetres.xml): at 450
+// halfway down a Bloss ramp from 120 mm, 60 mm; beyond the table no value.
+TEST(ZelCliStations, AppliedCantColumn)
+{
+    std::string const file = std::string(ZEL_SOURCE_DIR) + "/tests/data/landxml/cant_millimetres.xml";
+    Result const r = Zel("point " + file + " --at 450 --at 800");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0].substr(lines[0].size() - 25), "tunnel_metre,applied_cant");
+    EXPECT_EQ(lines[1].substr(lines[1].size() - 16), ",450.0000,0.0600") << lines[1];
+    EXPECT_EQ(lines[2].substr(lines[2].size() - 10), ",800.0000,") << lines[2];
+}

@@ -100,6 +100,10 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
     }
     columns[columns.size() - 7] = offsetColumn;
     columns[columns.size() - 6] = angleColumn;
+    bool const withCant = !alignment.Cant().Empty();
+    if (withCant) {
+        columns.insert(columns.end() - 1, "applied_cant");  // metres, before the status
+    }
     TableWriter table(out, options.format, columns);
     Progress progress(run.pointsPath);
     zelalign::PointsCsvReader reader(*in, pointsName);
@@ -128,8 +132,11 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
                 .Number(r.radius, LengthDecimals)
                 .Number(r.designHeight, LengthDecimals)
                 .Number(r.heightDifference, LengthDecimals)
-                .Number(r.tunnelMetre, LengthDecimals)
-                .Text(zelalign::ProjectionStatusName(r.status));
+                .Number(r.tunnelMetre, LengthDecimals);
+            if (withCant) {
+                table.Number(r.appliedCant, LengthDecimals);
+            }
+            table.Text(zelalign::ProjectionStatusName(r.status));
             table.SetPoint(east[i], north[i], height[i]);
             table.EndRow();
         }

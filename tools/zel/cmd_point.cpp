@@ -125,6 +125,10 @@ Command AddPointCommand(CLI::App& app)
             columns.emplace_back(c);
         }
         columns[columns.size() - 5] = angleColumn;
+        bool const withCant = !a.Cant().Empty();
+        if (withCant) {
+            columns.emplace_back("applied_cant");  // metres
+        }
         TableWriter table(out, o->output.format, columns);
         for (zelalign::SetOutPoint const& p : points) {
             WriteStationCells(table, a, o->output, p.station, p.displayedStation, p.region);
@@ -137,6 +141,9 @@ Command AddPointCommand(CLI::App& app)
                 .Number(p.designHeight, LengthDecimals)
                 .Number(p.gradient * 100.0, GradientDecimals)
                 .Number(p.tunnelMetre, LengthDecimals);
+            if (withCant) {
+                table.Number(p.appliedCant, LengthDecimals);
+            }
             table.SetPoint(p.east, p.north, p.designHeight);
             table.EndRow();
         }

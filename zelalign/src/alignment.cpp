@@ -81,14 +81,16 @@ AlignmentSource Checked(AlignmentSource source, HorizontalAlignment const& horiz
 Alignment::Alignment() = default;
 
 Alignment::Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile,
-                     TunnelMetreReference reference, AlignmentSource source, StationEquations equations)
+                     TunnelMetreReference reference, AlignmentSource source, StationEquations equations,
+                     CantProfile cant)
     : m_name(std::move(name)),
       m_horizontal(std::move(horizontal)),
       m_profile(std::move(profile)),
       m_reference(reference),
       m_tunnel(MakeTunnelMap(m_horizontal, m_profile, m_reference)),
       m_source(Checked(std::move(source), m_horizontal, m_profile)),
-      m_equations(std::move(equations))
+      m_equations(std::move(equations)),
+      m_cant(std::move(cant))
 {
 }
 
@@ -136,6 +138,9 @@ StationedPoint Alignment::Station(double east, double north, double height) cons
         r.designHeight = NaN;
     }
     r.heightDifference = height - r.designHeight;
+    if (!m_cant.AppliedCant(f.station, &r.appliedCant)) {
+        r.appliedCant = NaN;
+    }
     if (!m_tunnel.ToTunnelMetre(f.station, &r.tunnelMetre)) {
         r.tunnelMetre = NaN;
     }
@@ -197,6 +202,9 @@ bool Alignment::SetOut(double station, SetOutPoint* point) const
     }
     if (!m_tunnel.ToTunnelMetre(station, &r.tunnelMetre)) {
         r.tunnelMetre = NaN;
+    }
+    if (!m_cant.AppliedCant(station, &r.appliedCant)) {
+        r.appliedCant = NaN;
     }
     *point = r;
     return true;

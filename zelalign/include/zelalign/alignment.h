@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include <zelalign/cant.h>
 #include <zelalign/horizontal.h>
 #include <zelalign/profile.h>
 #include <zelalign/set_out.h>
@@ -67,7 +68,7 @@ public:
     // Also throws DataError when the tunnel-metre reference is not finite.
     Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile = VerticalProfile(),
               TunnelMetreReference reference = TunnelMetreReference(), AlignmentSource source = AlignmentSource(),
-              StationEquations equations = StationEquations());
+              StationEquations equations = StationEquations(), CantProfile cant = CantProfile());
 
     // The same alignment with another tunnel-metre reference.
     Alignment WithTunnelMetreReference(TunnelMetreReference const& reference) const;
@@ -80,6 +81,8 @@ public:
     // The station equations (displayed stations); empty when the displayed
     // station is the internal one.
     StationEquations const& Equations() const { return m_equations; }
+    // The applied cant; empty for a track without one.
+    CantProfile const& Cant() const { return m_cant; }
     std::vector<std::string> const& Warnings() const { return m_source.warnings; }
     std::vector<int> const& SourceLines() const { return m_source.elementLines; }
     bool Empty() const { return m_horizontal.Empty(); }
@@ -124,6 +127,7 @@ private:
     TunnelMetreMap m_tunnel;
     AlignmentSource m_source;
     StationEquations m_equations;
+    CantProfile m_cant;
 };
 
 }  // namespace zelalign

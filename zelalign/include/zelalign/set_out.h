@@ -28,6 +28,9 @@ struct SetOutPoint {
     double designHeight = std::numeric_limits<double>::quiet_NaN();  // metres
     double gradient = std::numeric_limits<double>::quiet_NaN();      // rise over run (0.02 is 2 %)
     double tunnelMetre = std::numeric_limits<double>::quiet_NaN();   // metres
+    // Applied cant (metres; positive in a curve bending right); NaN where the
+    // alignment has no cant there.
+    double appliedCant = std::numeric_limits<double>::quiet_NaN();
 };
 
 // Longest setting-out table: ten million rows, far beyond any real alignment

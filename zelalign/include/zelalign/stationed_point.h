@@ -39,6 +39,9 @@ struct StationedPoint {
     // Measured height minus design height (metres): positive above the design.
     double heightDifference = std::numeric_limits<double>::quiet_NaN();
     double tunnelMetre = std::numeric_limits<double>::quiet_NaN();  // tunnel metre of the station (metres)
+    // Applied cant at the station (metres; positive in a curve bending right);
+    // NaN where the alignment has no cant there.
+    double appliedCant = std::numeric_limits<double>::quiet_NaN();
 };
 
 // Which side of the alignment counts positive in an offset column. Railway

@@ -4,6 +4,7 @@
 
 #include <zelalign/alignment.h>
 #include <zelalign/batch.h>
+#include <zelalign/cant.h>
 #include <zelalign/error.h>
 #include <zelalign/horizontal.h>
 #include <zelalign/polyline.h>

@@ -23,6 +23,13 @@ using zelmath::CACoordinate;
 
 namespace {
 
+// Cant values are metres unless the largest of a Cant table exceeds this
+// (metres): no track is canted by half a metre (the largest applied cants are
+// about 0.2 m), so such a table is in millimetres.
+constexpr double CantMillimetreThreshold = 0.5;
+// A gauge above this (metres) is in millimetres (1435 for 1.435 m).
+constexpr double GaugeMillimetreThreshold = 10.0;
+
 // A Curve's length attribute may differ from the length its points give by
 // this much (metres) before a warning is issued.
 constexpr double CurveLengthTolerance = 0.001;
@@ -169,6 +176,7 @@ private:
     HorizontalElement ReadSpiral(pugi::xml_node node, double station);
     VerticalProfile ReadProfile(pugi::xml_node profAlign, AlignmentSource* source);
     StationEquations ReadEquations(pugi::xml_node alignment);
+    CantProfile ReadCant(pugi::xml_node alignment);
 
     pugi::xml_node Root(pugi::xml_document& doc);
 
@@ -435,6 +443,70 @@ StationEquations Reader::ReadEquations(pugi::xml_node alignment)
     return StationEquations(std::move(sorted));
 }
 
+// The Cant of an Alignment: CantStation rows (station, appliedCant, the
+// bending sense in curvature, the run-out shape in transitionType), the gauge
+// and the rotation point. Units: see CantMillimetreThreshold.
+CantProfile Reader::ReadCant(pugi::xml_node alignment)
+{
+    pugi::xml_node cant = Child(alignment, "Cant");
+    if (!cant) {
+        return CantProfile();
+    }
+    std::vector<CantStation> rows;
+    std::vector<pugi::xml_node> nodes;
+    double largest = 0.0;
+    for (pugi::xml_node c = cant.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element || std::strcmp(LocalName(c), "CantStation") != 0) {
+            continue;
+        }
+        CantStation row;
+        row.station = Attribute(c, "station");
+        row.cant = std::fabs(Attribute(c, "appliedCant"));
+        largest = std::max(largest, row.cant);
+        std::string const curvature = c.attribute("curvature").value();
+        if (curvature == "ccw") {
+            row.cant = -row.cant;
+        } else if (!curvature.empty() && curvature != "cw") {
+            Fail(c, "attribute 'curvature' must be cw or ccw, not '" + curvature + "'");
+        }
+        std::string const shape = c.attribute("transitionType").value();
+        if (shape.empty() || shape == "linear" || shape == "clothoid") {
+            row.shape = CantShape::Linear;
+        } else if (shape == "bloss") {
+            row.shape = CantShape::Bloss;
+        } else if (shape == "cosine" || shape == "sineHalfWave") {
+            row.shape = CantShape::Cosine;
+        } else if (shape == "biquadratic" || shape == "biquadraticParabola") {
+            row.shape = CantShape::Biquadratic;
+        } else {
+            Fail(c, "cant run-out '" + shape +
+                        "' is not supported (supported: linear, clothoid, bloss, cosine, sineHalfWave, "
+                        "biquadratic, biquadraticParabola)");
+        }
+        if (!rows.empty() && !(row.station > rows.back().station)) {
+            Fail(c, "cant stations must increase");
+        }
+        rows.push_back(row);
+        nodes.push_back(c);
+    }
+    if (largest > CantMillimetreThreshold) {
+        for (CantStation& row : rows) {
+            row.cant /= 1000.0;
+        }
+    }
+    double gauge = std::numeric_limits<double>::quiet_NaN();
+    if (Has(cant, "gauge")) {
+        gauge = Attribute(cant, "gauge");
+        if (gauge > GaugeMillimetreThreshold) {
+            gauge /= 1000.0;
+        }
+        if (!(gauge > 0.0)) {
+            Fail(cant, "the gauge must be positive");
+        }
+    }
+    return CantProfile(std::move(rows), gauge, cant.attribute("rotationPoint").value());
+}
+
 pugi::xml_node Reader::Root(pugi::xml_document& doc)
 {
     pugi::xml_parse_result const parsed =
@@ -584,7 +656,7 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
     source.warnings = m_warnings;
     try {
         return Alignment(alignmentName, std::move(horizontal), std::move(profile), reference, std::move(source),
-                         equations);
+                         equations, ReadCant(alignment));
     } catch (DataError const& e) {
         // The checks of the elements and the profile name their own place.
         std::string const message = e.what();
