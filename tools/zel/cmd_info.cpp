@@ -47,7 +47,16 @@ void WriteText(Output& out, zelalign::Alignment const& a)
          " (" + std::to_string(h.Size()) + " elements)\n";
     s += "tunnel metre: " + Fixed(tm.ReferenceTunnelMetre(), LengthDecimals) + " at station " +
          Fixed(tm.ReferenceStation(), LengthDecimals) + (tm.SameDirection() ? "" : ", counted against the stations") +
-         "\n\n";
+         "\n";
+    // Every length is converted to metres on reading; the file's own unit and
+    // coordinate system are named so that the output can be traced back.
+    s += "units: metres (file: " + (a.Source().linearUnit.empty() ? std::string("meter") : a.Source().linearUnit) +
+         ")\n";
+    s += "coordinate system: " +
+         (a.Source().coordinateSystem.empty() ? std::string("not declared") : a.Source().coordinateSystem) + "\n";
+    s += "station equations: " + std::to_string(a.Equations().Equations().size()) +
+         ", cant stations: " + std::to_string(a.Cant().Stations().size()) + "\n";
+    s += "warnings: " + std::to_string(a.Warnings().size()) + "\n\n";
     s += "index,type,line,start_station,end_station,length,start_radius,end_radius,start_east,start_north,"
          "end_east,end_north\n";
     out.Write(s);
@@ -96,6 +105,10 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
     s += ",\n  \"length\": ";
     AppendJsonNumber(s, h.EndStation() - h.StartStation());
     s += ",\n  \"element_count\": " + std::to_string(h.Size());
+    s += ",\n  \"file_linear_unit\": ";
+    AppendJsonString(s, a.Source().linearUnit);
+    s += ",\n  \"coordinate_system\": ";
+    AppendJsonString(s, a.Source().coordinateSystem);
     s += ",\n  \"tunnel_metre\": {\"reference_station\": ";
     AppendJsonNumber(s, tm.ReferenceStation());
     s += ", \"reference_tunnel_metre\": ";

@@ -52,6 +52,11 @@ struct AlignmentSource {
     std::vector<double> statedStarts;
     std::vector<int> profileLines;      // one per profile point, 0 where unknown
     int profileLine = 0;                // line of the profile as a whole
+    // The file's length unit ("meter", "foot", "USSurveyFoot", ...); every
+    // value of the alignment is converted to metres. Empty when built in code.
+    std::string linearUnit;
+    // The coordinate system the file declares ("EPSG:25832", or its name); empty if none.
+    std::string coordinateSystem;
     std::vector<std::string> warnings;  // "file:line: <Element>: message"
     Tolerances tolerances;
 };

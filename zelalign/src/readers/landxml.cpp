@@ -30,6 +30,17 @@ constexpr double CantMillimetreThreshold = 0.5;
 // A gauge above this (metres) is in millimetres (1435 for 1.435 m).
 constexpr double GaugeMillimetreThreshold = 10.0;
 
+// Linear units of <Units> and their length in metres (the international foot
+// is 0.3048 m exactly, the US survey foot 1200/3937 m).
+struct LinearUnit {
+    char const* name;
+    double metres;
+};
+constexpr LinearUnit LinearUnits[] = {{"meter", 1.0},           {"metre", 1.0},
+                                      {"millimeter", 0.001},    {"centimeter", 0.01},
+                                      {"kilometer", 1000.0},    {"foot", 0.3048},
+                                      {"USSurveyFoot", 1200.0 / 3937.0}, {"inch", 0.0254}};
+
 // A Curve's length attribute may differ from the length its points give by
 // this much (metres) before a warning is issued.
 constexpr double CurveLengthTolerance = 0.001;
@@ -122,7 +133,7 @@ private:
         if (a.empty()) {
             Fail(node, std::string("attribute '") + attribute + "' is missing");
         }
-        return Number(node, (std::string("attribute '") + attribute + "'").c_str(), a.value(), allowInfinite);
+        return m_scale * Number(node, (std::string("attribute '") + attribute + "'").c_str(), a.value(), allowInfinite);
     }
 
     // From least to most numbers of a node's text ("northing easting
@@ -136,7 +147,7 @@ private:
         std::vector<double> values;
         std::string word;
         while (in >> word) {
-            values.push_back(Number(node, "coordinate", word.c_str(), false));
+            values.push_back(m_scale * Number(node, "coordinate", word.c_str(), false));
         }
         if (values.size() < least || values.size() > most) {
             Fail(node, "expected " + std::to_string(least) + (most > least ? " or " + std::to_string(most) : "") +
@@ -176,6 +187,7 @@ private:
     HorizontalElement ReadSpiral(pugi::xml_node node, double station);
     VerticalProfile ReadProfile(pugi::xml_node profAlign, AlignmentSource* source);
     StationEquations ReadEquations(pugi::xml_node alignment);
+    void ReadUnits(pugi::xml_node root, AlignmentSource* source);
     CantProfile ReadCant(pugi::xml_node alignment);
 
     pugi::xml_node Root(pugi::xml_document& doc);
@@ -185,6 +197,7 @@ private:
     std::string m_source;
     std::vector<std::string> m_warnings;
     Tolerances m_tolerances;
+    double m_scale = 1.0;  // metres per length unit of the file
 };
 
 HorizontalElement Reader::ReadLine(pugi::xml_node node, double station)
@@ -507,6 +520,43 @@ CantProfile Reader::ReadCant(pugi::xml_node alignment)
     return CantProfile(std::move(rows), gauge, cant.attribute("rotationPoint").value());
 }
 
+// <Units>: the linear unit of <Metric> or <Imperial> scales every length the
+// file writes (coordinates, stations, lengths, radii, cant) to metres. Angles
+// need no conversion: directions come from the coordinates. The file's unit and
+// its <CoordinateSystem> are kept in the source for the output's metadata.
+void Reader::ReadUnits(pugi::xml_node root, AlignmentSource* source)
+{
+    source->linearUnit = "meter";
+    if (pugi::xml_node units = Child(root, "Units")) {
+        for (pugi::xml_node system = units.first_child(); system; system = system.next_sibling()) {
+            if (system.type() != pugi::node_element || system.attribute("linearUnit").empty()) {
+                continue;
+            }
+            std::string const name = system.attribute("linearUnit").value();
+            bool known = false;
+            for (LinearUnit const& u : LinearUnits) {
+                if (name == u.name) {
+                    m_scale = u.metres;
+                    known = true;
+                }
+            }
+            if (!known) {
+                std::string list;
+                for (LinearUnit const& u : LinearUnits) {
+                    list += list.empty() ? u.name : std::string(", ") + u.name;
+                }
+                Fail(system, "linear unit '" + name + "' is not supported (supported: " + list + ")");
+            }
+            source->linearUnit = name;
+            break;
+        }
+    }
+    if (pugi::xml_node crs = Child(root, "CoordinateSystem")) {
+        std::string const epsg = crs.attribute("epsgCode").value();
+        source->coordinateSystem = epsg.empty() ? crs.attribute("name").value() : "EPSG:" + epsg;
+    }
+}
+
 pugi::xml_node Reader::Root(pugi::xml_document& doc)
 {
     pugi::xml_parse_result const parsed =
@@ -569,6 +619,7 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
     VerticalProfile profile;
     AlignmentSource source;
     source.path = m_source;
+    ReadUnits(root, &source);
     pugi::xml_node geometry = Child(alignment, "CoordGeom");
     if (!geometry) {
         Fail(alignment, "<CoordGeom> is missing");
