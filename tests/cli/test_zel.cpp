@@ -309,3 +309,31 @@ TEST(ZelCliStations, AppliedCantColumn)
     EXPECT_EQ(lines[1].substr(lines[1].size() - 16), ",450.0000,0.0600") << lines[1];
     EXPECT_EQ(lines[2].substr(lines[2].size() - 10), ",800.0000,") << lines[2];
 }
+
+// A file of several alignments: without --name, one row each; a refused one
+// says why; --name still gives the element table.
+TEST(ZelCliStations, InfoListsEveryAlignment)
+{
+    std::string const file = Temp("yard.xml");
+    Write(file,
+          "<LandXML>\n<Alignments>\n"
+          "<Alignment name=\"T1\" staStart=\"100\"><CoordGeom><Line><Start>0 0</Start><End>50 0</End></Line>"
+          "</CoordGeom></Alignment>\n"
+          "<Alignment name=\"T2\"><CoordGeom><Line><Start>0 5</Start><End>20 5</End></Line>"
+          "<Line><Start>20 5</Start><End>40 5</End></Line></CoordGeom></Alignment>\n"
+          "<Alignment name=\"T3\"><CoordGeom><Spiral length=\"20\" radiusStart=\"INF\" radiusEnd=\"300\" rot=\"cw\" "
+          "spiType=\"wiener\"><Start>0 0</Start><End>20 0</End></Spiral></CoordGeom></Alignment>\n"
+          "</Alignments>\n</LandXML>\n");
+    Result r = Zel("info " + file);
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 4u) << r.out;
+    EXPECT_EQ(lines[0], "alignment,start_station,end_station,length,elements,warnings,refused");
+    EXPECT_EQ(lines[1], "T1,100.0000,150.0000,50.0000,1,0,");
+    EXPECT_EQ(lines[2], "T2,0.0000,40.0000,40.0000,2,0,");
+    EXPECT_EQ(lines[3].rfind("T3,,,,,,", 0), 0u) << lines[3];
+    EXPECT_NE(lines[3].find("spiral type 'wiener' is not supported"), std::string::npos) << lines[3];
+    r = Zel("info " + file + " --name T2");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.out.find("alignment: T2"), std::string::npos) << r.out;
+}

@@ -3,6 +3,8 @@
 #include <string>
 
 #include <zelalign/alignment.h>
+#include <zelalign/error.h>
+#include <zelalign/readers/landxml.h>
 
 #include "commands.h"
 #include "common.h"
@@ -174,6 +176,48 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
     out.Write(s);
 }
 
+// Every alignment of a file, one row each: name, stations, length, element
+// count and warnings, or why it was refused. True when the file holds more
+// than one alignment (the list was written).
+bool WriteAllAlignments(AlignmentOptions const& options, OutputOptions const& output)
+{
+    std::string text;
+    std::vector<std::string> names;
+    std::string const source = options.path == "-" ? std::string("standard input") : options.path;
+    try {
+        text = zelalign::ReadTextFile(options.path);
+        names = zelalign::LandXmlAlignmentNames(text, source);
+    } catch (zelalign::IoError const& e) {
+        throw Failure(ExitIoFailure, e.what());
+    } catch (zelalign::Error const& e) {
+        throw Failure(ExitBadData, e.what());
+    }
+    if (names.size() < 2) {
+        return false;
+    }
+    Output out(output.path, {options.path});
+    TableWriter table(out, TableFormat::Csv,
+                      {"alignment", "start_station", "end_station", "length", "elements", "warnings", "refused"});
+    for (std::string const& name : names) {
+        table.Text(name);
+        try {
+            zelalign::Alignment const a = zelalign::ParseLandXml(text, source, name);
+            table.Number(a.StartStation(), LengthDecimals)
+                .Number(a.EndStation(), LengthDecimals)
+                .Number(a.EndStation() - a.StartStation(), LengthDecimals)
+                .Integer(static_cast<long long>(a.Horizontal().Size()))
+                .Integer(static_cast<long long>(a.Warnings().size()))
+                .Text("");
+        } catch (zelalign::Error const& e) {
+            table.Text("").Text("").Text("").Text("").Text("").Text(e.what());
+        }
+        table.EndRow();
+    }
+    table.Finish();
+    out.Close();
+    return true;
+}
+
 }  // namespace
 
 Command AddInfoCommand(CLI::App& app)
@@ -184,13 +228,18 @@ Command AddInfoCommand(CLI::App& app)
         bool json = false;
     };
     auto o = std::make_shared<Options>();
-    CLI::App* c = app.add_subcommand("info", "the element table and the profile of an alignment");
+    CLI::App* c = app.add_subcommand("info", "the element table and the profile of an alignment; for a file of several alignments without --name, one row per alignment");
     AddAlignmentOptions(c, o->alignment);
     AddOutputOption(c, o->output);
     c->add_flag("--json", o->json, "write the alignment's description as JSON, for scripts");
     return [c, o]() -> int {
         if (!c->parsed()) {
             return -1;
+        }
+        // A file of several alignments without --name: one row each.
+        if (o->alignment.name.empty() && !o->json && o->alignment.path != "-" &&
+            WriteAllAlignments(o->alignment, o->output)) {
+            return ExitSuccess;
         }
         zelalign::Alignment const a = LoadAlignment(o->alignment);
         Output out(o->output.path, {o->alignment.path});
