@@ -160,7 +160,7 @@ TEST(LandXml, UnparsableNumbers)
     EXPECT_EQ(ErrorOf(Document("<Line><Start>0 0</Start>\n<End>0 1e999</End></Line>\n")),
               "test.xml:6: <End>: coordinate is not a number: '1e999'");
     EXPECT_EQ(ErrorOf(Document("<Line><Start>0</Start><End>0 1</End></Line>\n")),
-              "test.xml:5: <Start>: expected 2 numbers, found 1");
+              "test.xml:5: <Start>: expected 2 or 3 numbers (northing easting [elevation]), found 1");
     EXPECT_EQ(ErrorOf(Document("<Line length=\"INF\"><Start>0 0</Start><End>0 1</End></Line>\n")),
               "test.xml:5: <Line>: attribute 'length' must be finite, not 'INF'");
 }
@@ -185,8 +185,11 @@ TEST(LandXml, BrokenXmlGivesTheLine)
 
 TEST(LandXml, ZeroLengthAndUnsupportedTransition)
 {
-    EXPECT_EQ(ErrorOf(Document("<Line length=\"0\"><Start>0 0</Start><End>0 0</End></Line>\n")),
+    EXPECT_EQ(ErrorOf(Document("<Line length=\"-5\"><Start>0 0</Start><End>0 5</End></Line>\n")),
               "test.xml:5: <Line>: (line): length must be positive and finite");
+    // A zero-length element is skipped; with nothing else there is no alignment.
+    EXPECT_EQ(ErrorOf(Document("<Line length=\"0\"><Start>0 0</Start><End>0 0</End></Line>\n")),
+              "test.xml:4: <CoordGeom>: the alignment has no elements");
     // A cubic parabola between two curves is not handled by the element class.
     std::string const g =
         "<Spiral length=\"20\" radiusStart=\"600\" radiusEnd=\"300\" rot=\"cw\" spiType=\"cubicParabola\">"
@@ -204,13 +207,16 @@ TEST(LandXml, GapsOverAMillimetreAreWarnings)
     Alignment const a = ParseLandXml(Document(g), "test.xml");
     ASSERT_EQ(a.Warnings().size(), 1u);
     EXPECT_EQ(a.Warnings()[0],
-              "test.xml:6: <Line>: computed end at station 1200.0 misses the next element's start by 3.0 mm");
+              "test.xml:6: <Line> (line): the end misses the next element's start by 3.0 mm (tolerance 1.0 mm, limit "
+              "50.0 mm); check the coordinates of the two points");
     std::string const g2 =
         "<Line><Start>0 0</Start><End>100 0</End></Line>\n"
         "<Line staStart=\"1100.01\"><Start>100 0</Start><End>200 0</End></Line>\n";
     Alignment const b = ParseLandXml(Document(g2), "test.xml");
     ASSERT_EQ(b.Warnings().size(), 1u);
-    EXPECT_EQ(b.Warnings()[0].rfind("test.xml:6: <Line>: station gap of 0.01", 0), 0u) << b.Warnings()[0];
+    EXPECT_EQ(b.Warnings()[0],
+              "test.xml:6: <Line> (line): stated start station 1100.0100 differs from the station along the "
+              "alignment 1100.0000 by 10.0 mm; stations follow the element lengths");
 }
 
 TEST(LandXml, MissingFile)

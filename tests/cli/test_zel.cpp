@@ -357,4 +357,74 @@ TEST(ZelCliConventions, OffsetSignAndTabSeparatedValues)
     EXPECT_EQ(Lines(right.out).at(1).substr(0, 25), "a,0,line,50.0000,10.0000,");
     EXPECT_EQ(Lines(left.out).at(0).substr(0, 36), "id\telement\ttype\tstation\toffset_left\t");
     EXPECT_EQ(Lines(left.out).at(1).substr(0, 26), "a\t0\tline\t50.0000\t-10.0000\t");
+
+// Station equations in the tables: kilometre 12 is 1003.2 m long (see
+// tests/data/landxml/kilometre_posts.xml); displayed = ahead + (internal -
+// equation's internal), worked out by hand.
+TEST(ZelCliStations, DisplayedStationsInPointAndStation)
+{
+    std::string const file = std::string(ZEL_SOURCE_DIR) + "/tests/data/landxml/kilometre_posts.xml";
+    Result r = Zel("point " + file + " --at-displayed 13001 --at-displayed 13+1 --station-format km");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0].rfind("station,displayed_station,region,element,", 0), 0u) << lines[0];
+    EXPECT_EQ(lines[1].rfind("1+001.0000,12+1001.0000,12,0,line,0.0000,1001.0000,", 0), 0u) << lines[1];
+    EXPECT_EQ(lines[2].rfind("1+004.2000,13+001.0000,13,1,line,0.0000,1004.2000,", 0), 0u) << lines[2];
+    // 13001 occurs twice; the note names both places.
+    EXPECT_NE(r.err.find("displayed station '13001' occurs 2 times: internal 1001.0000 (region 12), internal "
+                         "1004.2000 (region 13); using the first"),
+              std::string::npos)
+        << r.err;
+    r = Zel("point " + file + " --at-displayed 3000");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("displayed station '3000' does not occur on the alignment"), std::string::npos) << r.err;
+    std::string const points = Temp("km_points.csv");
+    Write(points, "p1,3,2500\n");
+    r = Zel("station " + file + " " + points);
+    ASSERT_EQ(r.status, 0) << r.err;
+    ASSERT_EQ(Lines(r.out).size(), 2u);
+    EXPECT_EQ(Lines(r.out)[1], "p1,2,line,2500.0000,14496.8000,14,3.0000,0.000000,0.0000,,,2500.0000,on");
+}
+
+// Applied cant in the tables (tests/data/landxml/cant_millimetres.xml): at 450
+// halfway down a Bloss ramp from 120 mm, 60 mm; beyond the table no value.
+TEST(ZelCliStations, AppliedCantColumn)
+{
+    std::string const file = std::string(ZEL_SOURCE_DIR) + "/tests/data/landxml/cant_millimetres.xml";
+    Result const r = Zel("point " + file + " --at 450 --at 800");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0].substr(lines[0].size() - 25), "tunnel_metre,applied_cant");
+    EXPECT_EQ(lines[1].substr(lines[1].size() - 16), ",450.0000,0.0600") << lines[1];
+    EXPECT_EQ(lines[2].substr(lines[2].size() - 10), ",800.0000,") << lines[2];
+}
+
+// A file of several alignments: without --name, one row each; a refused one
+// says why; --name still gives the element table.
+TEST(ZelCliStations, InfoListsEveryAlignment)
+{
+    std::string const file = Temp("yard.xml");
+    Write(file,
+          "<LandXML>\n<Alignments>\n"
+          "<Alignment name=\"T1\" staStart=\"100\"><CoordGeom><Line><Start>0 0</Start><End>50 0</End></Line>"
+          "</CoordGeom></Alignment>\n"
+          "<Alignment name=\"T2\"><CoordGeom><Line><Start>0 5</Start><End>20 5</End></Line>"
+          "<Line><Start>20 5</Start><End>40 5</End></Line></CoordGeom></Alignment>\n"
+          "<Alignment name=\"T3\"><CoordGeom><Spiral length=\"20\" radiusStart=\"INF\" radiusEnd=\"300\" rot=\"cw\" "
+          "spiType=\"wiener\"><Start>0 0</Start><End>20 0</End></Spiral></CoordGeom></Alignment>\n"
+          "</Alignments>\n</LandXML>\n");
+    Result r = Zel("info " + file);
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> const lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 4u) << r.out;
+    EXPECT_EQ(lines[0], "alignment,start_station,end_station,length,elements,warnings,refused");
+    EXPECT_EQ(lines[1], "T1,100.0000,150.0000,50.0000,1,0,");
+    EXPECT_EQ(lines[2], "T2,0.0000,40.0000,40.0000,2,0,");
+    EXPECT_EQ(lines[3].rfind("T3,,,,,,", 0), 0u) << lines[3];
+    EXPECT_NE(lines[3].find("spiral type 'wiener' is not supported"), std::string::npos) << lines[3];
+    r = Zel("info " + file + " --name T2");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.out.find("alignment: T2"), std::string::npos) << r.out;
 }

@@ -157,13 +157,23 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
         options.offsetSide == zelalign::OffsetSide::Right ? "offset_right" : "offset_left";
     // The table is begun with the first point, so that a file without points
     // leaves no header behind.
+    std::vector<std::string> columns{"id", "element", "type"};
+    for (std::string const& c : StationColumnNames(alignment)) {
+        columns.push_back(c);
+    }
+    for (char const* c : {"offset", "azimuth", "radius", "design_height", "height_difference", "tunnel_metre", "status"}) {
+        columns.emplace_back(c);
+    }
+    columns[columns.size() - 7] = offsetColumn;
+    columns[columns.size() - 6] = angleColumn;
+    bool const withCant = !alignment.Cant().Empty();
+    if (withCant) {
+        columns.insert(columns.end() - 1, "applied_cant");  // metres, before the status
+    }
     std::optional<TableWriter> table;
     auto begin = [&] {
         if (!table) {
-            table.emplace(out, options.format,
-                          std::vector<std::string>{"id", "element", "type", "station", offsetColumn, angleColumn,
-                                                   "radius", "design_height", "height_difference", "tunnel_metre",
-                                                   "status"});
+            table.emplace(out, options.format, columns);
         }
     };
     Progress progress(run.pointsPath);
@@ -191,14 +201,17 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
             } else {
                 table->Text("").Text("");
             }
-            table->Number(r.station, LengthDecimals)
-                .Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
+            WriteStationCells(*table, alignment, options, r.station, r.displayedStation, r.region);
+            table->Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
                 .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
                 .Number(r.radius, LengthDecimals)
                 .Number(r.designHeight, LengthDecimals)
                 .Number(r.heightDifference, LengthDecimals)
-                .Number(r.tunnelMetre, LengthDecimals)
-                .Text(zelalign::ProjectionStatusName(r.status));
+                .Number(r.tunnelMetre, LengthDecimals);
+            if (withCant) {
+                table->Number(r.appliedCant, LengthDecimals);
+            }
+            table->Text(zelalign::ProjectionStatusName(r.status));
             table->SetPoint(east[i], north[i], height[i]);
             table->EndRow();
         }

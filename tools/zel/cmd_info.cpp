@@ -3,6 +3,8 @@
 #include <string>
 
 #include <zelalign/alignment.h>
+#include <zelalign/error.h>
+#include <zelalign/readers/landxml.h>
 
 #include "commands.h"
 #include "common.h"
@@ -47,7 +49,16 @@ void WriteText(Output& out, zelalign::Alignment const& a)
          " (" + std::to_string(h.Size()) + " elements)\n";
     s += "tunnel metre: " + Fixed(tm.ReferenceTunnelMetre(), LengthDecimals) + " at station " +
          Fixed(tm.ReferenceStation(), LengthDecimals) + (tm.SameDirection() ? "" : ", counted against the stations") +
-         "\n\n";
+         "\n";
+    // Every length is converted to metres on reading; the file's own unit and
+    // coordinate system are named so that the output can be traced back.
+    s += "units: metres (file: " + (a.Source().linearUnit.empty() ? std::string("meter") : a.Source().linearUnit) +
+         ")\n";
+    s += "coordinate system: " +
+         (a.Source().coordinateSystem.empty() ? std::string("not declared") : a.Source().coordinateSystem) + "\n";
+    s += "station equations: " + std::to_string(a.Equations().Equations().size()) +
+         ", cant stations: " + std::to_string(a.Cant().Stations().size()) + "\n";
+    s += "warnings: " + std::to_string(a.Warnings().size()) + "\n\n";
     s += "index,type,line,start_station,end_station,length,start_radius,end_radius,start_east,start_north,"
          "end_east,end_north\n";
     out.Write(s);
@@ -96,6 +107,10 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
     s += ",\n  \"length\": ";
     AppendJsonNumber(s, h.EndStation() - h.StartStation());
     s += ",\n  \"element_count\": " + std::to_string(h.Size());
+    s += ",\n  \"file_linear_unit\": ";
+    AppendJsonString(s, a.Source().linearUnit);
+    s += ",\n  \"coordinate_system\": ";
+    AppendJsonString(s, a.Source().coordinateSystem);
     s += ",\n  \"tunnel_metre\": {\"reference_station\": ";
     AppendJsonNumber(s, tm.ReferenceStation());
     s += ", \"reference_tunnel_metre\": ";
@@ -161,6 +176,48 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
     out.Write(s);
 }
 
+// Every alignment of a file, one row each: name, stations, length, element
+// count and warnings, or why it was refused. True when the file holds more
+// than one alignment (the list was written).
+bool WriteAllAlignments(AlignmentOptions const& options, OutputOptions const& output)
+{
+    std::string text;
+    std::vector<std::string> names;
+    std::string const source = options.path == "-" ? std::string("standard input") : options.path;
+    try {
+        text = zelalign::ReadTextFile(options.path);
+        names = zelalign::LandXmlAlignmentNames(text, source);
+    } catch (zelalign::IoError const& e) {
+        throw Failure(ExitIoFailure, e.what());
+    } catch (zelalign::Error const& e) {
+        throw Failure(ExitBadData, e.what());
+    }
+    if (names.size() < 2) {
+        return false;
+    }
+    Output out(output.path, {options.path});
+    TableWriter table(out, TableFormat::Csv,
+                      {"alignment", "start_station", "end_station", "length", "elements", "warnings", "refused"});
+    for (std::string const& name : names) {
+        table.Text(name);
+        try {
+            zelalign::Alignment const a = zelalign::ParseLandXml(text, source, name);
+            table.Number(a.StartStation(), LengthDecimals)
+                .Number(a.EndStation(), LengthDecimals)
+                .Number(a.EndStation() - a.StartStation(), LengthDecimals)
+                .Integer(static_cast<long long>(a.Horizontal().Size()))
+                .Integer(static_cast<long long>(a.Warnings().size()))
+                .Text("");
+        } catch (zelalign::Error const& e) {
+            table.Text("").Text("").Text("").Text("").Text("").Text(e.what());
+        }
+        table.EndRow();
+    }
+    table.Finish();
+    out.Close();
+    return true;
+}
+
 }  // namespace
 
 Command AddInfoCommand(CLI::App& app)
@@ -171,13 +228,18 @@ Command AddInfoCommand(CLI::App& app)
         bool json = false;
     };
     auto o = std::make_shared<Options>();
-    CLI::App* c = app.add_subcommand("info", "the element table and the profile of an alignment");
+    CLI::App* c = app.add_subcommand("info", "the element table and the profile of an alignment; for a file of several alignments without --name, one row per alignment");
     AddAlignmentOptions(c, o->alignment);
     AddOutputOption(c, o->output);
     c->add_flag("--json", o->json, "write the alignment's description as JSON, for scripts");
     return [c, o]() -> int {
         if (!c->parsed()) {
             return -1;
+        }
+        // A file of several alignments without --name: one row each.
+        if (o->alignment.name.empty() && !o->json && o->alignment.path != "-" &&
+            WriteAllAlignments(o->alignment, o->output)) {
+            return ExitSuccess;
         }
         zelalign::Alignment const a = LoadAlignment(o->alignment);
         Output out(o->output.path, {o->alignment.path});

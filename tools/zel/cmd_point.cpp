@@ -1,4 +1,6 @@
 // zel point: the design point at stations (setting out).
+#include <cmath>
+#include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +24,40 @@ namespace {
 constexpr int LengthDecimals = 4;
 constexpr int GradientDecimals = 4;
 
+// The internal station of a displayed station written as metres or as
+// "km+metres"; where it occurs more than once, the first, with a note that
+// names every place.
+double InternalOf(zelalign::Alignment const& a, std::string const& text)
+{
+    double value = 0.0;
+    if (!zelalign::ParseKilometre(text, &value)) {
+        throw Failure(ExitUsage, "--at-displayed: not a station (metres or km+metres): " + Quoted(text));
+    }
+    std::size_t const plus = text.find('+', 1);
+    std::vector<zelalign::DisplayedMatch> matches;
+    if (plus != std::string::npos && text[0] != '-') {
+        double const km = std::stod(text.substr(0, plus));
+        matches = a.Equations().FromKilometre(km, value - km * 1000.0, a.StartStation(), a.EndStation());
+    } else {
+        matches = a.Equations().FromDisplayed(value, a.StartStation(), a.EndStation());
+    }
+    if (matches.empty()) {
+        throw Failure(ExitBadData, "displayed station " + Quoted(text) + " does not occur on the alignment");
+    }
+    if (matches.size() > 1) {
+        std::string note = "displayed station " + Quoted(text) + " occurs " + std::to_string(matches.size()) +
+                           " times:";
+        for (zelalign::DisplayedMatch const& m : matches) {
+            std::string const& region = a.Equations().RegionName(m.region);
+            note += " internal " + Fixed(m.internal, LengthDecimals) +
+                    (region.empty() ? std::string() : " (region " + region + ")") + ",";
+        }
+        note.back() = ';';
+        std::cerr << "zel: note: " << note << " using the first\n";
+    }
+    return matches.front().internal;
+}
+
 }  // namespace
 
 Command AddPointCommand(CLI::App& app)
@@ -30,6 +66,7 @@ Command AddPointCommand(CLI::App& app)
         AlignmentOptions alignment;
         OutputOptions output;
         std::vector<std::string> at;  // as given, for messages
+        std::vector<std::string> atDisplayed;
         std::optional<double> every;
         std::optional<double> from;
         std::optional<double> to;
@@ -37,19 +74,22 @@ Command AddPointCommand(CLI::App& app)
     auto o = std::make_shared<Options>();
     CLI::App* c = app.add_subcommand("point", "coordinates, direction and height at stations (setting out)");
     AddAlignmentOptions(c, o->alignment);
-    c->add_option("--at", o->at, "station(s) to compute")->check(FiniteNumber());
+    c->add_option("--at", o->at, "internal station(s) to compute")->check(FiniteNumber());
+    c->add_option("--at-displayed", o->atDisplayed,
+                  "displayed station(s) after the station equations, as metres or km+metres (12+345.678)");
     c->add_option("--every", o->every, "a setting-out table at this interval (metres)")->check(FiniteNumber());
     c->add_option("--from", o->from, "first station of the table (default: the start)")->check(FiniteNumber());
     c->add_option("--to", o->to, "last station of the table (default: the end)")->check(FiniteNumber());
     AddOutputOption(c, o->output);
     AddFormatOption(c, o->output);
     AddAngleOption(c, o->output);
+    AddStationFormatOption(c, o->output);
     return [c, o]() -> int {
         if (!c->parsed()) {
             return -1;
         }
-        if (o->at.empty() && !o->every) {
-            throw Failure(ExitUsage, "give --at or --every");
+        if (o->at.empty() && o->atDisplayed.empty() && !o->every) {
+            throw Failure(ExitUsage, "give --at, --at-displayed or --every");
         }
         if (!o->every && (o->from || o->to)) {
             throw Failure(ExitUsage, "--from and --to go with --every");
@@ -60,6 +100,10 @@ Command AddPointCommand(CLI::App& app)
         for (std::string const& text : o->at) {
             stations.push_back(NumberOf(text));
             given.push_back("--at " + text);
+        }
+        for (std::string const& text : o->atDisplayed) {
+            stations.push_back(InternalOf(a, text));
+            given.push_back("--at-displayed " + text);
         }
         if (o->every) {
             try {
@@ -84,12 +128,20 @@ Command AddPointCommand(CLI::App& app)
         }
         Output out(o->output.path, {o->alignment.path});
         std::string const angleColumn = std::string("azimuth_") + AngleUnitName(o->output.angleUnit);
-        TableWriter table(out, o->output.format,
-                          {"station", "element", "type", "east", "north", angleColumn, "radius", "design_height",
-                           "gradient_percent", "tunnel_metre"});
+        std::vector<std::string> columns = StationColumnNames(a);
+        for (char const* c : {"element", "type", "east", "north", "azimuth", "radius", "design_height",
+                              "gradient_percent", "tunnel_metre"}) {
+            columns.emplace_back(c);
+        }
+        columns[columns.size() - 5] = angleColumn;
+        bool const withCant = !a.Cant().Empty();
+        if (withCant) {
+            columns.emplace_back("applied_cant");  // metres
+        }
+        TableWriter table(out, o->output.format, columns);
         for (zelalign::SetOutPoint const& p : points) {
-            table.Number(p.station, LengthDecimals)
-                .Integer(p.element)
+            WriteStationCells(table, a, o->output, p.station, p.displayedStation, p.region);
+            table.Integer(p.element)
                 .Text(zelalign::ElementTypeName(p.type))
                 .Number(p.east, LengthDecimals)
                 .Number(p.north, LengthDecimals)
@@ -98,6 +150,9 @@ Command AddPointCommand(CLI::App& app)
                 .Number(p.designHeight, LengthDecimals)
                 .Number(p.gradient * 100.0, GradientDecimals)
                 .Number(p.tunnelMetre, LengthDecimals);
+            if (withCant) {
+                table.Number(p.appliedCant, LengthDecimals);
+            }
             table.SetPoint(p.east, p.north, p.designHeight);
             table.EndRow();
         }

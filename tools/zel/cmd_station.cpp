@@ -30,6 +30,7 @@ Command AddStationCommand(CLI::App& app)
     AddFormatOption(c, o->output);
     AddAngleOption(c, o->output);
     AddOffsetSideOption(c, o->output);
+    AddStationFormatOption(c, o->output);
     c->add_option("-j,--threads", o->run.threads, "number of threads (default: all cores)")
         ->check(CLI::Range(1u, 1024u));
     AddChoice<BadRows>(c, "--bad-rows", o->run.badRows, {{"stop", BadRows::Stop}, {"skip", BadRows::Skip}},

@@ -87,6 +87,43 @@ void AddOffsetSideOption(CLI::App* app, OutputOptions& options)
         "(GIS tools); the offset column is named offset_right or offset_left");
 }
 
+void AddStationFormatOption(CLI::App* app, OutputOptions& options)
+{
+    std::map<std::string, bool> const forms{{"metres", false}, {"meters", false}, {"km", true}};
+    app->add_option("--station-format", options.kilometre,
+                    "station columns as plain metres (metres, default) or as kilometre and metres (km: 12+345.6780)")
+        ->transform(CLI::CheckedTransformer(forms, CLI::ignore_case));
+}
+
+std::vector<std::string> StationColumnNames(zelalign::Alignment const& a)
+{
+    if (a.Equations().Empty()) {
+        return {"station"};
+    }
+    return {"station", "displayed_station", "region"};
+}
+
+void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, OutputOptions const& options,
+                       double station, double displayed, int region)
+{
+    // Stations as the other lengths: a tenth of a millimetre.
+    constexpr int StationDecimals = 4;
+    if (options.kilometre) {
+        table.Text(zelalign::FormatKilometre(station, StationDecimals));
+    } else {
+        table.Number(station, StationDecimals);
+    }
+    if (a.Equations().Empty()) {
+        return;
+    }
+    if (options.kilometre) {
+        table.Text(a.Equations().Format(zelalign::DisplayedStation{displayed, region}, StationDecimals));
+    } else {
+        table.Number(displayed, StationDecimals);
+    }
+    table.Text(a.Equations().RegionName(region));
+}
+
 void Warn(std::string const& message)
 {
     std::cerr << "zel: warning: " << message << "\n";

@@ -31,6 +31,7 @@ struct OutputOptions {
     TableFormat format = TableFormat::Csv;
     AngleUnit angleUnit = AngleUnit::Gon;
     zelalign::OffsetSide offsetSide = zelalign::OffsetSide::Right;
+    bool kilometre = false;  // station columns as km+mmm.mmmm instead of metres
 };
 
 // Adds the alignment file and the options that choose and anchor the alignment.
@@ -40,6 +41,15 @@ void AddOutputOption(CLI::App* app, OutputOptions& options);
 void AddFormatOption(CLI::App* app, OutputOptions& options);
 void AddAngleOption(CLI::App* app, OutputOptions& options);
 void AddOffsetSideOption(CLI::App* app, OutputOptions& options);
+// Adds --station-format metres|km.
+void AddStationFormatOption(CLI::App* app, OutputOptions& options);
+
+// Station columns: "station" and, for an alignment with station equations,
+// "displayed_station" and "region" (the kilometre or region the equation
+// names). Written as metres with four decimals, or as km+mmm.mmmm.
+std::vector<std::string> StationColumnNames(zelalign::Alignment const& a);
+void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, OutputOptions const& options,
+                       double station, double displayed, int region);
 
 // Reads the alignment and prints its reader's warnings to standard error.
 // Throws Failure with the exit code that fits the problem.

@@ -7,6 +7,7 @@
 
 #include <zelalign/batch.h>
 #include <zelalign/error.h>
+#include <zelalign/validation.h>
 
 namespace zelalign {
 
@@ -34,24 +35,72 @@ TunnelMetreMap MakeTunnelMap(HorizontalAlignment const& horizontal, VerticalProf
     return TunnelMetreMap(profile, station, tunnelMetre, reference.sameDirection);
 }
 
+// Where a finding lies: "file:line: <Tag> (type)" from the source, or the
+// element index for an alignment built in code.
+std::string Place(AlignmentSource const& source, HorizontalAlignment const& horizontal, Finding const& f)
+{
+    auto at = [](std::vector<int> const& lines, int index) {
+        return index >= 0 && static_cast<std::size_t>(index) < lines.size() ? lines[static_cast<std::size_t>(index)]
+                                                                            : 0;
+    };
+    std::string file = source.path.empty() ? std::string() : source.path + ":";
+    if (f.element >= 0) {
+        std::size_t const i = static_cast<std::size_t>(f.element);
+        std::string const type = ElementTypeName(horizontal.Elements()[i].type);
+        int const line = at(source.elementLines, f.element);
+        std::string const tag = i < source.elementTags.size() ? source.elementTags[i] : std::string();
+        if (line > 0 && !tag.empty()) {
+            return file + std::to_string(line) + ": <" + tag + "> (" + type + ")";
+        }
+        return file + "element " + std::to_string(f.element) + " (" + type + ")";
+    }
+    int const line = f.pvi >= 0 ? at(source.profileLines, f.pvi) : source.profileLine;
+    if (line > 0) {
+        return file + std::to_string(line) + ": profile";
+    }
+    return file + (f.pvi >= 0 ? "profile point " + std::to_string(f.pvi) : std::string("profile"));
+}
+
+AlignmentSource Checked(AlignmentSource source, HorizontalAlignment const& horizontal, VerticalProfile const& profile)
+{
+    if (horizontal.Empty()) {
+        return source;
+    }
+    for (Finding const& f : Validate(horizontal, profile, source.tolerances, source.statedStarts)) {
+        std::string const message = Place(source, horizontal, f) + ": " + f.message;
+        if (f.severity == Severity::Refused) {
+            throw DataError(message);
+        }
+        source.warnings.push_back(message);
+    }
+    return source;
+}
+
 }  // namespace
 
 Alignment::Alignment() = default;
 
 Alignment::Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile,
-                     TunnelMetreReference reference, AlignmentSource source)
+                     TunnelMetreReference reference, AlignmentSource source, StationEquations equations,
+                     CantProfile cant)
     : m_name(std::move(name)),
       m_horizontal(std::move(horizontal)),
       m_profile(std::move(profile)),
       m_reference(reference),
       m_tunnel(MakeTunnelMap(m_horizontal, m_profile, m_reference)),
-      m_source(std::move(source))
+      m_source(Checked(std::move(source), m_horizontal, m_profile)),
+      m_equations(std::move(equations)),
+      m_cant(std::move(cant))
 {
 }
 
 Alignment Alignment::WithTunnelMetreReference(TunnelMetreReference const& reference) const
 {
-    return Alignment(m_name, m_horizontal, m_profile, reference, m_source);
+    // Already checked: only the reference and its map change.
+    Alignment a(*this);
+    a.m_reference = reference;
+    a.m_tunnel = MakeTunnelMap(a.m_horizontal, a.m_profile, a.m_reference);
+    return a;
 }
 
 bool Alignment::Contains(double station) const
@@ -75,6 +124,9 @@ StationedPoint Alignment::Station(double east, double north, double height) cons
     r.element = f.element;
     r.type = m_horizontal.Elements()[static_cast<std::size_t>(f.element)].type;
     r.station = f.station;
+    DisplayedStation const shown = m_equations.ToDisplayed(f.station);
+    r.displayedStation = shown.value;
+    r.region = shown.region;
     r.offset = p.offset;
     r.along = p.along;
     r.footEast = f.east;
@@ -86,6 +138,9 @@ StationedPoint Alignment::Station(double east, double north, double height) cons
         r.designHeight = NaN;
     }
     r.heightDifference = height - r.designHeight;
+    if (!m_cant.AppliedCant(f.station, &r.appliedCant)) {
+        r.appliedCant = NaN;
+    }
     if (!m_tunnel.ToTunnelMetre(f.station, &r.tunnelMetre)) {
         r.tunnelMetre = NaN;
     }
@@ -118,6 +173,8 @@ void Alignment::Station(std::size_t count, double const* east, double const* nor
             if (out.heightDifference) out.heightDifference[i] = p.heightDifference;
             if (out.tunnelMetre) out.tunnelMetre[i] = p.tunnelMetre;
             if (out.status) out.status[i] = static_cast<std::int32_t>(p.status);
+            if (out.displayedStation) out.displayedStation[i] = p.displayedStation;
+            if (out.region) out.region[i] = p.region;
         }
     });
 }
@@ -130,6 +187,9 @@ bool Alignment::SetOut(double station, SetOutPoint* point) const
     }
     SetOutPoint r;
     r.station = station;
+    DisplayedStation const shown = m_equations.ToDisplayed(station);
+    r.displayedStation = shown.value;
+    r.region = shown.region;
     r.element = p.element;
     r.type = m_horizontal.Elements()[static_cast<std::size_t>(p.element)].type;
     r.east = p.east;
@@ -142,6 +202,9 @@ bool Alignment::SetOut(double station, SetOutPoint* point) const
     }
     if (!m_tunnel.ToTunnelMetre(station, &r.tunnelMetre)) {
         r.tunnelMetre = NaN;
+    }
+    if (!m_cant.AppliedCant(station, &r.appliedCant)) {
+        r.appliedCant = NaN;
     }
     *point = r;
     return true;

@@ -17,9 +17,6 @@ using zelmath::CMathLongProfCurve;
 
 namespace {
 
-// A vertical curve may touch its neighbour's tangent point within this (metres).
-constexpr double TangentPointTolerance = 1e-6;
-
 CACoordinate Pi(ProfilePoint const& p)
 {
     return CACoordinate(p.station, p.height);
@@ -27,7 +24,7 @@ CACoordinate Pi(ProfilePoint const& p)
 
 }  // namespace
 
-VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis) : m_pvis(std::move(pvis))
+VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis, double overlapAllowance) : m_pvis(std::move(pvis))
 {
     std::size_t const n = m_pvis.size();
     if (n < 2) {
@@ -78,13 +75,13 @@ VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis) : m_pvis(std::m
         m_curveStart[i] = ts.East().Double();
         m_curveEnd[i] = te.East().Double();
         curveLength[i] = length.Double();
-        if (m_curveStart[i] < m_pvis[i - 1].station - TangentPointTolerance ||
-            m_curveEnd[i] > m_pvis[i + 1].station + TangentPointTolerance) {
+        if (m_curveStart[i] < m_pvis[i - 1].station - overlapAllowance ||
+            m_curveEnd[i] > m_pvis[i + 1].station + overlapAllowance) {
             throw DataError(where + ": the vertical curve reaches past its neighbouring PVIs");
         }
     }
     for (std::size_t i = 1; i < n; ++i) {
-        if (m_curveStart[i] < m_curveEnd[i - 1] - TangentPointTolerance) {
+        if (m_curveStart[i] < m_curveEnd[i - 1] - overlapAllowance) {
             throw DataError("PVI " + std::to_string(i) + " at station " +
                                         std::to_string(m_pvis[i].station) +
                                         ": the vertical curve overlaps the one before");

@@ -20,11 +20,14 @@
 #include <string>
 #include <vector>
 
+#include <zelalign/cant.h>
 #include <zelalign/horizontal.h>
 #include <zelalign/profile.h>
 #include <zelalign/set_out.h>
+#include <zelalign/station_equations.h>
 #include <zelalign/stationed_point.h>
 #include <zelalign/tunnel_metre.h>
+#include <zelalign/validation.h>
 #include <zelalign/zelalign_export.h>
 
 namespace zelalign {
@@ -37,11 +40,25 @@ struct TunnelMetreReference {
 };
 
 // Where an alignment came from: the file, and the file line of each horizontal
-// element; and what its reader noticed but accepted.
+// element; what its reader noticed but accepted; and the tolerances its
+// elements and profile are checked with (see validation.h).
 struct AlignmentSource {
     std::string path;                   // empty for an alignment built in code
     std::vector<int> elementLines;      // one per horizontal element, 0 where unknown
+    std::vector<std::string> elementTags;  // the file's element names ("Spiral"), empty where unknown
+    // Start station of each element as its file states it (metres), NaN where
+    // none is stated; empty when not known. Checked against the stations
+    // along the alignment, never used for them.
+    std::vector<double> statedStarts;
+    std::vector<int> profileLines;      // one per profile point, 0 where unknown
+    int profileLine = 0;                // line of the profile as a whole
+    // The file's length unit ("meter", "foot", "USSurveyFoot", ...); every
+    // value of the alignment is converted to metres. Empty when built in code.
+    std::string linearUnit;
+    // The coordinate system the file declares ("EPSG:25832", or its name); empty if none.
+    std::string coordinateSystem;
     std::vector<std::string> warnings;  // "file:line: <Element>: message"
+    Tolerances tolerances;
 };
 
 class ZELALIGN_EXPORT Alignment {
@@ -49,10 +66,14 @@ public:
     // An empty alignment; every query on it fails.
     Alignment();
 
-    // Builds an alignment from its parts. The profile may be empty. Throws
-    // DataError when the tunnel-metre reference is not finite.
+    // Builds an alignment from its parts. The profile may be empty. Checks the
+    // parts with Validate (tolerances from source): warnings are appended to
+    // the source's warnings as "file:line: <Element> (type): message"; a
+    // refusal throws DataError with the same place and the size of the miss.
+    // Also throws DataError when the tunnel-metre reference is not finite.
     Alignment(std::string name, HorizontalAlignment horizontal, VerticalProfile profile = VerticalProfile(),
-              TunnelMetreReference reference = TunnelMetreReference(), AlignmentSource source = AlignmentSource());
+              TunnelMetreReference reference = TunnelMetreReference(), AlignmentSource source = AlignmentSource(),
+              StationEquations equations = StationEquations(), CantProfile cant = CantProfile());
 
     // The same alignment with another tunnel-metre reference.
     Alignment WithTunnelMetreReference(TunnelMetreReference const& reference) const;
@@ -62,6 +83,11 @@ public:
     VerticalProfile const& Profile() const { return m_profile; }
     TunnelMetreMap const& TunnelMetres() const { return m_tunnel; }
     AlignmentSource const& Source() const { return m_source; }
+    // The station equations (displayed stations); empty when the displayed
+    // station is the internal one.
+    StationEquations const& Equations() const { return m_equations; }
+    // The applied cant; empty for a track without one.
+    CantProfile const& Cant() const { return m_cant; }
     std::vector<std::string> const& Warnings() const { return m_source.warnings; }
     std::vector<int> const& SourceLines() const { return m_source.elementLines; }
     bool Empty() const { return m_horizontal.Empty(); }
@@ -105,6 +131,8 @@ private:
     TunnelMetreReference m_reference;
     TunnelMetreMap m_tunnel;
     AlignmentSource m_source;
+    StationEquations m_equations;
+    CantProfile m_cant;
 };
 
 }  // namespace zelalign

@@ -32,11 +32,18 @@ class ZELALIGN_EXPORT VerticalProfile {
 public:
     VerticalProfile() = default;
 
-    // Builds the profile. Throws std::invalid_argument for fewer than two PVIs,
-    // stations that do not increase, a curve at the first or last PVI, a curve
-    // whose set-up fails (collinear grades, zero radius), or curves that
-    // overlap each other or reach past their neighbouring PVIs.
-    explicit VerticalProfile(std::vector<ProfilePoint> pvis);
+    // A vertical curve may overlap its neighbour or reach past its
+    // neighbouring PVI by this much (metres) by default: the rounding of
+    // tangent points written with six decimals.
+    static constexpr double DefaultOverlapAllowance = 1e-6;
+
+    // Builds the profile. Throws DataError for fewer than two PVIs, stations
+    // that do not increase, a curve at the first or last PVI, a curve whose
+    // set-up fails (collinear grades, zero radius), or curves that overlap each
+    // other or reach past their neighbouring PVIs by more than overlapAllowance
+    // (metres). Touching curves whose tangent points overlap by less are kept as
+    // they are: each station takes its height from the earlier curve.
+    explicit VerticalProfile(std::vector<ProfilePoint> pvis, double overlapAllowance = DefaultOverlapAllowance);
 
     bool Empty() const { return m_pvis.empty(); }
     std::vector<ProfilePoint> const& Points() const { return m_pvis; }

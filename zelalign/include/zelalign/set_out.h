@@ -15,6 +15,10 @@ namespace zelalign {
 // where the alignment has no profile.
 struct SetOutPoint {
     double station = 0.0;  // internal station (metres)
+    // Displayed station (metres) after the station equations; the internal
+    // station where the alignment has none.
+    double displayedStation = 0.0;
+    int region = -1;  // the station equation in force; -1 before the first or without any
     int element = -1;      // index of the element; at a joint the later one
     ElementType type = ElementType::Line;
     double east = 0.0;     // metres
@@ -24,6 +28,9 @@ struct SetOutPoint {
     double designHeight = std::numeric_limits<double>::quiet_NaN();  // metres
     double gradient = std::numeric_limits<double>::quiet_NaN();      // rise over run (0.02 is 2 %)
     double tunnelMetre = std::numeric_limits<double>::quiet_NaN();   // metres
+    // Applied cant (metres; positive in a curve bending right); NaN where the
+    // alignment has no cant there.
+    double appliedCant = std::numeric_limits<double>::quiet_NaN();
 };
 
 // Longest setting-out table: ten million rows, far beyond any real alignment

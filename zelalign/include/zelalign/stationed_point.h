@@ -17,6 +17,10 @@ struct StationedPoint {
     int element = -1;                   // index of the element of the foot; -1 when there is none
     ElementType type = ElementType::Line;  // kind of that element
     double station = std::numeric_limits<double>::quiet_NaN();  // internal station of the foot (metres)
+    // Displayed station of the foot (metres) after the alignment's station
+    // equations; the internal station where it has none.
+    double displayedStation = std::numeric_limits<double>::quiet_NaN();
+    int region = -1;  // the station equation in force at the foot; -1 before the first or without any
     // Signed distance from the foot across the tangent (metres): positive to the
     // right of the direction of increasing station. At a kink, before the start
     // and beyond the end it is taken across the reported tangent.
@@ -35,6 +39,9 @@ struct StationedPoint {
     // Measured height minus design height (metres): positive above the design.
     double heightDifference = std::numeric_limits<double>::quiet_NaN();
     double tunnelMetre = std::numeric_limits<double>::quiet_NaN();  // tunnel metre of the station (metres)
+    // Applied cant at the station (metres; positive in a curve bending right);
+    // NaN where the alignment has no cant there.
+    double appliedCant = std::numeric_limits<double>::quiet_NaN();
 };
 
 // Which side of the alignment counts positive in an offset column. Railway
@@ -61,6 +68,8 @@ struct StationColumns {
     double* heightDifference = nullptr;
     double* tunnelMetre = nullptr;
     std::int32_t* status = nullptr;
+    double* displayedStation = nullptr;
+    std::int32_t* region = nullptr;
 };
 
 }  // namespace zelalign

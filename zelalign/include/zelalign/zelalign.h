@@ -4,6 +4,7 @@
 
 #include <zelalign/alignment.h>
 #include <zelalign/batch.h>
+#include <zelalign/cant.h>
 #include <zelalign/diagrams.h>
 #include <zelalign/error.h>
 #include <zelalign/horizontal.h>
@@ -13,6 +14,8 @@
 #include <zelalign/readers/landxml.h>
 #include <zelalign/readers/points_csv.h>
 #include <zelalign/set_out.h>
+#include <zelalign/station_equations.h>
 #include <zelalign/stationed_point.h>
 #include <zelalign/tunnel_metre.h>
+#include <zelalign/validation.h>
 #include <zelalign/version.h>

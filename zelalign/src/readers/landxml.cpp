@@ -23,6 +23,24 @@ using zelmath::CACoordinate;
 
 namespace {
 
+// Cant values are metres unless the largest of a Cant table exceeds this
+// (metres): no track is canted by half a metre (the largest applied cants are
+// about 0.2 m), so such a table is in millimetres.
+constexpr double CantMillimetreThreshold = 0.5;
+// A gauge above this (metres) is in millimetres (1435 for 1.435 m).
+constexpr double GaugeMillimetreThreshold = 10.0;
+
+// Linear units of <Units> and their length in metres (the international foot
+// is 0.3048 m exactly, the US survey foot 1200/3937 m).
+struct LinearUnit {
+    char const* name;
+    double metres;
+};
+constexpr LinearUnit LinearUnits[] = {{"meter", 1.0},           {"metre", 1.0},
+                                      {"millimeter", 0.001},    {"centimeter", 0.01},
+                                      {"kilometer", 1000.0},    {"foot", 0.3048},
+                                      {"USSurveyFoot", 1200.0 / 3937.0}, {"inch", 0.0254}};
+
 // A Curve's length attribute may differ from the length its points give by
 // this much (metres) before a warning is issued.
 constexpr double CurveLengthTolerance = 0.001;
@@ -47,7 +65,8 @@ pugi::xml_node Child(pugi::xml_node node, char const* name)
 
 class Reader {
 public:
-    Reader(std::string const& text, std::string source) : m_text(text), m_source(std::move(source))
+    Reader(std::string const& text, std::string source, Tolerances const& tolerances = Tolerances())
+        : m_text(text), m_source(std::move(source)), m_tolerances(tolerances)
     {
         m_lineStarts.push_back(0);
         for (std::size_t i = 0; i < m_text.size(); ++i) {
@@ -114,11 +133,12 @@ private:
         if (a.empty()) {
             Fail(node, std::string("attribute '") + attribute + "' is missing");
         }
-        return Number(node, (std::string("attribute '") + attribute + "'").c_str(), a.value(), allowInfinite);
+        return m_scale * Number(node, (std::string("attribute '") + attribute + "'").c_str(), a.value(), allowInfinite);
     }
 
-    // Two or more numbers of a node's text ("northing easting [elevation]" or "station height").
-    std::vector<double> Numbers(pugi::xml_node node, std::size_t wanted) const
+    // From least to most numbers of a node's text ("northing easting
+    // [elevation]" or "station height"); more or fewer is an error.
+    std::vector<double> Numbers(pugi::xml_node node, std::size_t least, std::size_t most, char const* form) const
     {
         if (!node.attribute("pntRef").empty()) {
             Fail(node, "point references (pntRef) are not supported; write the coordinates");
@@ -127,10 +147,11 @@ private:
         std::vector<double> values;
         std::string word;
         while (in >> word) {
-            values.push_back(Number(node, "coordinate", word.c_str(), false));
+            values.push_back(m_scale * Number(node, "coordinate", word.c_str(), false));
         }
-        if (values.size() < wanted) {
-            Fail(node, "expected " + std::to_string(wanted) + " numbers, found " + std::to_string(values.size()));
+        if (values.size() < least || values.size() > most) {
+            Fail(node, "expected " + std::to_string(least) + (most > least ? " or " + std::to_string(most) : "") +
+                           " numbers (" + form + "), found " + std::to_string(values.size()));
         }
         return values;
     }
@@ -141,7 +162,7 @@ private:
         if (!node) {
             Fail(element, std::string("point <") + name + "> is missing");
         }
-        std::vector<double> const v = Numbers(node, 2);
+        std::vector<double> const v = Numbers(node, 2, 3, "northing easting [elevation]");
         return CACoordinate(v[1], v[0]);  // northing easting
     }
 
@@ -164,7 +185,10 @@ private:
     HorizontalElement ReadLine(pugi::xml_node node, double station);
     HorizontalElement ReadCurve(pugi::xml_node node, double station);
     HorizontalElement ReadSpiral(pugi::xml_node node, double station);
-    VerticalProfile ReadProfile(pugi::xml_node profAlign);
+    VerticalProfile ReadProfile(pugi::xml_node profAlign, AlignmentSource* source);
+    StationEquations ReadEquations(pugi::xml_node alignment);
+    void ReadUnits(pugi::xml_node root, AlignmentSource* source);
+    CantProfile ReadCant(pugi::xml_node alignment);
 
     pugi::xml_node Root(pugi::xml_document& doc);
 
@@ -172,6 +196,8 @@ private:
     std::vector<std::size_t> m_lineStarts;  // offset of the first character of each line
     std::string m_source;
     std::vector<std::string> m_warnings;
+    Tolerances m_tolerances;
+    double m_scale = 1.0;  // metres per length unit of the file
 };
 
 HorizontalElement Reader::ReadLine(pugi::xml_node node, double station)
@@ -188,17 +214,50 @@ HorizontalElement Reader::ReadCurve(pugi::xml_node node, double station)
     bool const cw = Clockwise(node);
     CACoordinate const start = Point(node, "Start");
     CACoordinate const end = Point(node, "End");
+    auto chordTooLong = [&](double r) {
+        return (end - start).Length().Double() > 2.0 * r + m_tolerances.position;
+    };
     pugi::xml_node centreNode = Child(node, "Center");
     double radius = 0.0;
     double length = 0.0;
     bool lengthKnown = false;
-    if (Has(node, "radius")) {
-        radius = std::fabs(Attribute(node, "radius"));
+    bool const radiusGiven = Has(node, "radius");
+    if (radiusGiven) {
+        double const written = Attribute(node, "radius", true);
+        if (written == 0.0) {
+            Fail(node, "a radius of 0 is not a curve; write a <Line> for a straight");
+        }
+        if (written < 0.0 && cw) {
+            Warn(node, "the radius is written negative with rot=\"cw\"; the curve bends right as rot says");
+        }
+        radius = std::fabs(written);
+        if (radius >= m_tolerances.straightRadius) {
+            Warn(node, "a radius of " + std::string(node.attribute("radius").value()) +
+                           " is a straight; the curve is read as a line");
+            double const chord = (end - start).Length().Double();
+            double const length = Has(node, "length") ? Attribute(node, "length") : chord;
+            return HorizontalElement::Line(station, length, start, end);
+        }
     }
     if (centreNode) {
         CACoordinate const centre = Point(node, "Center");
-        if (radius == 0.0) {
-            radius = (start - centre).Length().Double();
+        double const toStart = (start - centre).Length().Double();
+        double const toEnd = (end - centre).Length().Double();
+        if (!radiusGiven) {
+            radius = toStart;
+        }
+        // The centre must lie at the radius from both ends.
+        double const miss = std::max(std::fabs(toStart - radius), std::fabs(toEnd - radius));
+        Severity const severity = Classify(miss, m_tolerances.position, m_tolerances.positionLimit);
+        if (severity != Severity::Closed) {
+            std::ostringstream msg;
+            msg.precision(1);
+            msg << std::fixed << "the centre lies " << miss * 1000.0
+                << " mm off the radius from the start or the end; check the radius and the <Center> point";
+            if (severity == Severity::Refused) {
+                Fail(node, msg.str());
+            }
+            Warn(node, msg.str());
         }
         // Angle swept from the start radius to the end radius in the turning sense.
         double const as = (start - centre).Azimuth().Double();
@@ -220,6 +279,9 @@ HorizontalElement Reader::ReadCurve(pugi::xml_node node, double station)
         }
         length = given;
     } else if (!lengthKnown) {
+        if (chordTooLong(radius)) {
+            Fail(node, "the chord between start and end is longer than the diameter; check the radius");
+        }
         double const chord = (end - start).Length().Double();
         length = 2.0 * radius * std::asin(std::min(1.0, chord / (2.0 * radius)));
     }
@@ -240,10 +302,12 @@ HorizontalElement Reader::ReadSpiral(pugi::xml_node node, double station)
     CACoordinate const start = Point(node, "Start");
     CACoordinate const end = Point(node, "End");
     double const sign = cw ? 1.0 : -1.0;
-    auto signedRadius = [sign](double r) { return std::isinf(r) ? 0.0 : sign * std::fabs(r); };
+    // INF and radii of straightRadius or more (1E+300 in some files) are a straight end.
+    double const straight = m_tolerances.straightRadius;
+    auto signedRadius = [sign, straight](double r) { return std::fabs(r) >= straight ? 0.0 : sign * std::fabs(r); };
     double const radiusStart = signedRadius(rs);
     double const radiusEnd = signedRadius(re);
-    if ((radiusStart == 0.0 && !std::isinf(rs)) || (radiusEnd == 0.0 && !std::isinf(re))) {
+    if (rs == 0.0 || re == 0.0) {
         Fail(node, "a radius of 0 is not a curve; write INF for a straight end");
     }
     ElementType type = ElementType::Clothoid;
@@ -266,7 +330,7 @@ HorizontalElement Reader::ReadSpiral(pugi::xml_node node, double station)
     return HorizontalElement::Transition(type, station, length, start, end, radiusStart, radiusEnd);
 }
 
-VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign)
+VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign, AlignmentSource* source)
 {
     struct Raw {
         pugi::xml_node node;
@@ -283,7 +347,7 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign)
             continue;
         }
         Raw r{c, ProfilePoint{}, 0.0};
-        std::vector<double> const v = Numbers(c, 2);
+        std::vector<double> const v = Numbers(c, 2, 2, "station height");
         r.point.station = v[0];
         r.point.height = v[1];
         if (kind == "PVI") {
@@ -338,13 +402,158 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign)
         }
     }
     std::vector<ProfilePoint> points;
+    source->profileLine = LineOf(profAlign);
     for (Raw const& r : raw) {
         points.push_back(r.point);
+        source->profileLines.push_back(LineOf(r.node));
     }
     try {
-        return VerticalProfile(points);
+        // Overlaps up to the hard limit are built; Validate sorts them.
+        return VerticalProfile(points, m_tolerances.positionLimit);
     } catch (DataError const& e) {
         Fail(profAlign, e.what());
+    }
+}
+
+// StaEquation children of an Alignment: staInternal and staAhead are
+// required; staBack may be missing or NaN (the first kilometre post); desc
+// names the region (the kilometre).
+StationEquations Reader::ReadEquations(pugi::xml_node alignment)
+{
+    std::vector<StationEquation> equations;
+    std::vector<pugi::xml_node> nodes;
+    for (pugi::xml_node c = alignment.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element || std::strcmp(LocalName(c), "StaEquation") != 0) {
+            continue;
+        }
+        StationEquation e;
+        e.internal = Attribute(c, "staInternal");
+        e.ahead = Attribute(c, "staAhead");
+        pugi::xml_attribute back = c.attribute("staBack");
+        std::string const backText = back.value();
+        if (!back.empty() && backText != "NaN" && backText != "nan") {
+            e.back = Number(c, "attribute 'staBack'", back.value(), false);
+        }
+        e.region = c.attribute("desc").value();
+        equations.push_back(e);
+        nodes.push_back(c);
+    }
+    // Files list them by station; keep that order but refuse a repeat.
+    std::vector<std::size_t> order(equations.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        order[i] = i;
+    }
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return equations[a].internal < equations[b].internal; });
+    std::vector<StationEquation> sorted;
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        if (k > 0 && equations[order[k]].internal == equations[order[k - 1]].internal) {
+            Fail(nodes[order[k]], "a second station equation at internal station " +
+                                      std::string(nodes[order[k]].attribute("staInternal").value()));
+        }
+        sorted.push_back(equations[order[k]]);
+    }
+    return StationEquations(std::move(sorted));
+}
+
+// The Cant of an Alignment: CantStation rows (station, appliedCant, the
+// bending sense in curvature, the run-out shape in transitionType), the gauge
+// and the rotation point. Units: see CantMillimetreThreshold.
+CantProfile Reader::ReadCant(pugi::xml_node alignment)
+{
+    pugi::xml_node cant = Child(alignment, "Cant");
+    if (!cant) {
+        return CantProfile();
+    }
+    std::vector<CantStation> rows;
+    std::vector<pugi::xml_node> nodes;
+    double largest = 0.0;
+    for (pugi::xml_node c = cant.first_child(); c; c = c.next_sibling()) {
+        if (c.type() != pugi::node_element || std::strcmp(LocalName(c), "CantStation") != 0) {
+            continue;
+        }
+        CantStation row;
+        row.station = Attribute(c, "station");
+        row.cant = std::fabs(Attribute(c, "appliedCant"));
+        largest = std::max(largest, row.cant);
+        std::string const curvature = c.attribute("curvature").value();
+        if (curvature == "ccw") {
+            row.cant = -row.cant;
+        } else if (!curvature.empty() && curvature != "cw") {
+            Fail(c, "attribute 'curvature' must be cw or ccw, not '" + curvature + "'");
+        }
+        std::string const shape = c.attribute("transitionType").value();
+        if (shape.empty() || shape == "linear" || shape == "clothoid") {
+            row.shape = CantShape::Linear;
+        } else if (shape == "bloss") {
+            row.shape = CantShape::Bloss;
+        } else if (shape == "cosine" || shape == "sineHalfWave") {
+            row.shape = CantShape::Cosine;
+        } else if (shape == "biquadratic" || shape == "biquadraticParabola") {
+            row.shape = CantShape::Biquadratic;
+        } else {
+            Fail(c, "cant run-out '" + shape +
+                        "' is not supported (supported: linear, clothoid, bloss, cosine, sineHalfWave, "
+                        "biquadratic, biquadraticParabola)");
+        }
+        if (!rows.empty() && !(row.station > rows.back().station)) {
+            Fail(c, "cant stations must increase");
+        }
+        rows.push_back(row);
+        nodes.push_back(c);
+    }
+    if (largest > CantMillimetreThreshold) {
+        for (CantStation& row : rows) {
+            row.cant /= 1000.0;
+        }
+    }
+    double gauge = std::numeric_limits<double>::quiet_NaN();
+    if (Has(cant, "gauge")) {
+        gauge = Attribute(cant, "gauge");
+        if (gauge > GaugeMillimetreThreshold) {
+            gauge /= 1000.0;
+        }
+        if (!(gauge > 0.0)) {
+            Fail(cant, "the gauge must be positive");
+        }
+    }
+    return CantProfile(std::move(rows), gauge, cant.attribute("rotationPoint").value());
+}
+
+// <Units>: the linear unit of <Metric> or <Imperial> scales every length the
+// file writes (coordinates, stations, lengths, radii, cant) to metres. Angles
+// need no conversion: directions come from the coordinates. The file's unit and
+// its <CoordinateSystem> are kept in the source for the output's metadata.
+void Reader::ReadUnits(pugi::xml_node root, AlignmentSource* source)
+{
+    source->linearUnit = "meter";
+    if (pugi::xml_node units = Child(root, "Units")) {
+        for (pugi::xml_node system = units.first_child(); system; system = system.next_sibling()) {
+            if (system.type() != pugi::node_element || system.attribute("linearUnit").empty()) {
+                continue;
+            }
+            std::string const name = system.attribute("linearUnit").value();
+            bool known = false;
+            for (LinearUnit const& u : LinearUnits) {
+                if (name == u.name) {
+                    m_scale = u.metres;
+                    known = true;
+                }
+            }
+            if (!known) {
+                std::string list;
+                for (LinearUnit const& u : LinearUnits) {
+                    list += list.empty() ? u.name : std::string(", ") + u.name;
+                }
+                Fail(system, "linear unit '" + name + "' is not supported (supported: " + list + ")");
+            }
+            source->linearUnit = name;
+            break;
+        }
+    }
+    if (pugi::xml_node crs = Child(root, "CoordinateSystem")) {
+        std::string const epsg = crs.attribute("epsgCode").value();
+        source->coordinateSystem = epsg.empty() ? crs.attribute("name").value() : "EPSG:" + epsg;
     }
 }
 
@@ -410,11 +619,21 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
     VerticalProfile profile;
     AlignmentSource source;
     source.path = m_source;
+    ReadUnits(root, &source);
     pugi::xml_node geometry = Child(alignment, "CoordGeom");
     if (!geometry) {
         Fail(alignment, "<CoordGeom> is missing");
     }
-    double station = Has(alignment, "staStart") ? Attribute(alignment, "staStart") : 0.0;
+    // Stations run continuously: the alignment's start station plus the
+    // lengths of the elements before. The stations the elements state are kept
+    // for the check in Validate, never used to place them.
+    double station = 0.0;
+    bool stationKnown = false;
+    if (Has(alignment, "staStart")) {
+        station = Attribute(alignment, "staStart");
+        stationKnown = true;
+    }
+    StationEquations const equations = ReadEquations(alignment);
     std::vector<HorizontalElement> elements;
     std::vector<pugi::xml_node> nodes;
     for (pugi::xml_node c = geometry.first_child(); c; c = c.next_sibling()) {
@@ -425,16 +644,28 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
         if (kind == "Feature") {
             continue;
         }
-        double const start = Has(c, "staStart") ? Attribute(c, "staStart") : station;
+        double const stated =
+            Has(c, "staStart") ? Attribute(c, "staStart") : std::numeric_limits<double>::quiet_NaN();
+        if (!stationKnown && !std::isnan(stated)) {
+            station = stated;  // no alignment start station: the first element's
+        }
+        stationKnown = true;
         HorizontalElement element;
         if (kind == "Line") {
-            element = ReadLine(c, start);
+            element = ReadLine(c, station);
         } else if (kind == "Curve") {
-            element = ReadCurve(c, start);
+            element = ReadCurve(c, station);
         } else if (kind == "Spiral") {
-            element = ReadSpiral(c, start);
+            element = ReadSpiral(c, station);
         } else {
             Fail(c, "element '" + kind + "' is not supported (supported: Line, Curve, Spiral)");
+        }
+        double const length = element.Length();
+        if (length >= 0.0 && length <= m_tolerances.zeroLength) {
+            std::ostringstream msg;
+            msg << "an element of length " << length << " m carries no geometry; skipped";
+            Warn(c, msg.str());
+            continue;
         }
         try {
             HorizontalAlignment single(std::vector<HorizontalElement>{element});
@@ -446,22 +677,13 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
             }
             Fail(c, message);
         }
-        if (!elements.empty()) {
-            double const previousEnd = elements.back().EndStation();
-            if (start < previousEnd - JointWarningTolerance) {
-                std::ostringstream msg;
-                msg << "starts at station " << start << ", before the end of the previous element (" << previousEnd
-                    << ")";
-                Fail(c, msg.str());
-            }
-            if (std::fabs(start - previousEnd) > JointWarningTolerance) {
-                std::ostringstream msg;
-                msg << "station gap of " << (start - previousEnd) << " m after the previous element";
-                Warn(c, msg.str());
-            }
-        }
         elements.push_back(element);
         nodes.push_back(c);
+        // An element station stated as a displayed station (after an
+        // equation) agrees with the alignment: nothing to check.
+        double const displayed = equations.ToDisplayed(element.StartStation()).value;
+        bool const asDisplayed = !equations.Empty() && std::fabs(stated - displayed) <= m_tolerances.station;
+        source.statedStarts.push_back(asDisplayed ? std::numeric_limits<double>::quiet_NaN() : stated);
         station = element.EndStation();
     }
     if (elements.empty()) {
@@ -472,35 +694,36 @@ Alignment Reader::Read(std::string const& name, TunnelMetreReference const& refe
     } catch (DataError const& e) {
         Fail(geometry, e.what());
     }
-    for (JointGap const& gap : horizontal.CheckJoints(JointWarningTolerance)) {
-        std::ostringstream msg;
-        msg.precision(1);
-        msg << std::fixed << "computed end at station " << gap.station << " misses the next element's start by "
-            << gap.gap * 1000.0 << " mm";
-        Warn(nodes[static_cast<std::size_t>(gap.element)], msg.str());
-    }
     for (pugi::xml_node node : nodes) {
         source.elementLines.push_back(LineOf(node));
+        source.elementTags.emplace_back(LocalName(node));
     }
     if (pugi::xml_node profileNode = Child(alignment, "Profile")) {
         if (pugi::xml_node profAlign = Child(profileNode, "ProfAlign")) {
-            profile = ReadProfile(profAlign);
+            profile = ReadProfile(profAlign, &source);
         }
     }
+    source.tolerances = m_tolerances;
     source.warnings = m_warnings;
     try {
-        return Alignment(alignmentName, std::move(horizontal), std::move(profile), reference, std::move(source));
+        return Alignment(alignmentName, std::move(horizontal), std::move(profile), reference, std::move(source),
+                         equations, ReadCant(alignment));
     } catch (DataError const& e) {
-        Fail(alignment, e.what());
+        // The checks of the elements and the profile name their own place.
+        std::string const message = e.what();
+        if (message.compare(0, m_source.size() + 1, m_source + ":") == 0) {
+            throw LandXmlError(message);
+        }
+        Fail(alignment, message);
     }
 }
 
 }  // namespace
 
 Alignment ParseLandXml(std::string const& text, std::string const& sourceName, std::string const& name,
-                       TunnelMetreReference const& reference)
+                       TunnelMetreReference const& reference, Tolerances const& tolerances)
 {
-    Reader reader(text, sourceName);
+    Reader reader(text, sourceName, tolerances);
     return reader.Read(name, reference);
 }
 
@@ -534,9 +757,11 @@ std::string ReadTextFile(std::string const& path)
     return text;
 }
 
-Alignment ReadLandXml(std::string const& path, std::string const& name, TunnelMetreReference const& reference)
+Alignment ReadLandXml(std::string const& path, std::string const& name, TunnelMetreReference const& reference,
+                      Tolerances const& tolerances)
 {
-    return ParseLandXml(ReadTextFile(path), path == "-" ? std::string("standard input") : path, name, reference);
+    return ParseLandXml(ReadTextFile(path), path == "-" ? std::string("standard input") : path, name, reference,
+                        tolerances);
 }
 
 }  // namespace zelalign
