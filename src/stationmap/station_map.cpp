@@ -4,12 +4,14 @@
 
 #include <zelmath/long_prof_curve.h>
 
+#include "foundation/thresholds.h"
+
 namespace zelmath {
 
 namespace {
 
 // An element shorter than this in plan adds nothing of its own.
-constexpr double ZeroLength = 1.1754943508222875e-38;  // 2^-126
+constexpr double ZeroLength = foundation_detail::ZeroThreshold;  // 2^-126
 // A station on a vertical curve is found when its curve length matches the
 // remaining tunnel metres to within this (metres).
 constexpr double CurveTolerance = 1e-4;

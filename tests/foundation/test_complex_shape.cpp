@@ -70,7 +70,7 @@ TEST(GetComplextype, RadiiInTheRecordAreKept)
     e.Start.Station = 5.0;
     e.End.Station = 6.0;
     CMathComplexShape::GetComplextype(&e);
-    EXPECT_EQ(e.ComplexType, 0);
+    EXPECT_EQ(e.ComplexType, TComplexType::StraightIntoCurve);
     EXPECT_EQ(e.Start.Radius.Double(), 0.1);
     EXPECT_EQ(e.End.Radius.Double(), -0.1);
     EXPECT_EQ(e.Parameter.Double(), 123.0);
@@ -81,11 +81,11 @@ TEST(GetComplextype, RadiiInTheRecordAreKept)
 TEST(GetComplextype, OverwritesAPreviousKind)
 {
     CAxisComplexSpec e;
-    e.ComplexType = 2;
+    e.ComplexType = TComplexType::CurveIntoTighterCurve;
     e.Start.Radius = 0.0;
     e.End.Radius = 0.0;
     CMathComplexShape::GetComplextype(&e);
-    EXPECT_EQ(e.ComplexType, 0);
+    EXPECT_EQ(e.ComplexType, TComplexType::StraightIntoCurve);
 }
 
 TEST(GetComplextype, ThresholdIsExactlyPointTwo)

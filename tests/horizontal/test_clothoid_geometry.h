@@ -12,14 +12,15 @@
 
 namespace clothoid_test {
 
-using zelmath::CAxisComplexSpec;
-using zelmath::CAxisPointSpec;
 using zellib::CAAngle;
 using zellib::CAAzimuth;
 using zellib::CACoordinate;
 using zellib::CALength;
+using zelmath::CAxisComplexSpec;
+using zelmath::CAxisPointSpec;
+using zelmath::TComplexType;
 
-constexpr double Pi = 3.14159265358979323846;
+using zellib::CAPi;
 
 // Unit clothoid coordinates x(l) = int_0^l cos(t^2/2) dt, y(l) = int_0^l sin(t^2/2) dt
 // by composite Simpson quadrature (odd in l).
@@ -51,12 +52,12 @@ inline void FresnelSeries4(double l, double* x, double* y)
 
 inline double WrapAngle(double a)
 {
-    double r = std::fmod(a, 2.0 * Pi);
-    if (r > Pi) {
-        r -= 2.0 * Pi;
+    double r = std::fmod(a, 2.0 * CAPi);
+    if (r > CAPi) {
+        r -= 2.0 * CAPi;
     }
-    if (r <= -Pi) {
-        r += 2.0 * Pi;
+    if (r <= -CAPi) {
+        r += 2.0 * CAPi;
     }
     return r;
 }
@@ -138,7 +139,7 @@ struct Element {
     Track track;
     double L = 0.0;
     double startStation = 0.0;
-    int type = -1;  // the intended ComplexType
+    int type = TComplexType::NotClassified;  // the intended ComplexType
     double maxScaledLength = 0.0;
 
     double TAt(double station) const { return station - startStation; }
@@ -237,7 +238,7 @@ struct ElementGenerator {
             double const length = Uniform(20.0, 200.0);
             double ra = std::exp(Uniform(std::log(150.0), std::log(5000.0)));
             double rb = std::exp(Uniform(std::log(150.0), std::log(5000.0)));
-            if (shape == 2 || shape == 3) {
+            if (shape == TComplexType::CurveIntoTighterCurve || shape == TComplexType::CurveIntoWiderCurve) {
                 if (ra > rb) {
                     std::swap(ra, rb);
                 }
@@ -249,7 +250,8 @@ struct ElementGenerator {
                                                               Uniform(1190000.0, 1210000.0))
                                                : CACoordinate(Uniform(-1000.0, 1000.0), Uniform(-1000.0, 1000.0));
             double const station = survey ? Uniform(0.0, 90000.0) : Uniform(0.0, 2000.0);
-            Element e = MakeElement(shape, c, ra, rb, length, origin, Uniform(0.0, 2.0 * Pi), station, exact);
+            Element e =
+                MakeElement(shape, c, ra, rb, length, origin, Uniform(0.0, 2.0 * CAPi), station, exact);
             if (e.maxScaledLength <= maxScaledLengthLimit) {
                 return e;
             }

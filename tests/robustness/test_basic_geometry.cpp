@@ -239,8 +239,8 @@ TEST(ClassificationUnderBadInput, AlwaysAKindAndTheRadiiUntouched)
             e.Start.Radius = rs;
             e.End.Radius = re;
             CMathComplexShape::GetComplextype(&e);
-            EXPECT_GE(e.ComplexType, 0);
-            EXPECT_LE(e.ComplexType, 3);
+            EXPECT_GE(e.ComplexType, TComplexType::StraightIntoCurve);
+            EXPECT_LE(e.ComplexType, TComplexType::CurveIntoWiderCurve);
             EXPECT_TRUE(e.Start.Radius.Double() == rs || (IsNaN(rs) && IsNaN(e.Start.Radius.Double())));
             EXPECT_TRUE(e.End.Radius.Double() == re || (IsNaN(re) && IsNaN(e.End.Radius.Double())));
         }

@@ -89,7 +89,8 @@ TEST(ConcurrentCalls, CubicParabola)
         CAxisPointSpec out;
         CMathCbcParabol::Kleinpunkt(c.element, CALength(c.station), &out);
         o.Add(out);
-        if (c.element.ComplexType == 0 || c.element.ComplexType == 1) {
+        if (c.element.ComplexType == TComplexType::StraightIntoCurve ||
+            c.element.ComplexType == TComplexType::CurveIntoStraight) {
             o.Add(CMathCbcParabol::Length(c.element));
         }
         o.Add(static_cast<int>(CMathCbcParabol::Lot(c.element, c.point, &out)));
