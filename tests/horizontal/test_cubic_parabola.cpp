@@ -237,10 +237,18 @@ TEST_P(CbcParabolBothBends, CurveIntoStraightPointsAreReflectedThroughTheEnd)
             EXPECT_NEAR(p.Radius.Double(), r * l.lx / x, 1e-9 * std::fabs(r * l.lx / x));
         }
     }
-    // At the start (the curved end) the point lies a chord beyond the end,
-    // not on the start point.
+    // At the start (the curved end) the point is 2 End - G, G the curve's own
+    // point there, so it lies |G - End| + c from the start point, not on it.
+    // With c = 60 and |R| = 350 the chord leaves the tangent at a, tan a =
+    // c / 6R = 1/35, so sin a = 1/sqrt(1226), cos a = 35/sqrt(1226), and
+    // Lx = c cos a. G lies at x = Lx, y = Lx^2 / 6R = c cos a sin a, at
+    // |G - End| = c cos a sqrt(1 + sin^2 a) = 2100 sqrt(1227) / 1226
+    // = 59.99998 m, at the angle atan(sin a) from the tangent where the
+    // start point lies at a: the two differ by 1.2e-5 rad, which shortens
+    // the sum by under 1e-9 m. Distance = 60 + 59.99998 = 119.99998 m.
     CAxisPointSpec const s = At(l.element, -20.0);
-    EXPECT_GT((s.Coordinate - l.element.Start.Coordinate).Length().Double(), 100.0);
+    EXPECT_NEAR((s.Coordinate - l.element.Start.Coordinate).Length().Double(),
+                60.0 + 2100.0 * std::sqrt(1227.0) / 1226.0, 1e-6);
     EXPECT_NEAR(s.Radius.Double(), r, 1e-9 * std::fabs(r));
 }
 
@@ -351,7 +359,11 @@ TEST(CbcParabolKleinpunkt, ZeroRadiusGivesHugeOrdinateOfPositiveSign)
     for (double s : {0.0, 25.0}) {
         CAxisPointSpec const p = At(e, s);
         EXPECT_NEAR(AngleDiff(p.Azimuth.Double(), 0.0), 0.0, 1e-12);
-        EXPECT_GT(p.Coordinate.North().Double(), 1e307);
+        // The local ordinate -DBL_MAX turned from the westward tangent by the
+        // half turn pi/2 - 3pi/2: cos is -1 in doubles, so the North is
+        // +DBL_MAX; the abscissa's share, x sin(pi) < 25 * 1.3e-16 m, is far
+        // below half an ulp of DBL_MAX.
+        EXPECT_EQ(p.Coordinate.North().Double(), DBL_MAX);
         EXPECT_EQ(p.Radius.Double(), 0.0);  // local abscissa 0 (0 * d / span) or tiny over huge
     }
 
@@ -371,7 +383,8 @@ TEST(CbcParabolKleinpunkt, ZeroRadiusGivesHugeOrdinateOfPositiveSign)
     // turned onto the eastward tangent lies at the far North.
     EXPECT_EQ(out.Station.Double(), 50.0);
     EXPECT_EQ(out.Coordinate.East().Double(), 0.0);
-    EXPECT_GT(out.Coordinate.North().Double(), 1e307);
+    // Turned by pi/2 - pi/2 = 0: North = 50 + DBL_MAX, which rounds to DBL_MAX.
+    EXPECT_EQ(out.Coordinate.North().Double(), DBL_MAX);
     EXPECT_EQ(out.Radius.Double(), 0.0);
 }
 
@@ -395,7 +408,10 @@ TEST(CbcParabolKleinpunkt, TinyRadiusIsZeroForThePointButNotForTheCurvedEnd)
     ASSERT_GT(offset, 1e-12);
     CAxisPointSpec const p = At(e, 0.0);
     EXPECT_NEAR(p.Azimuth.Double(), offset, 1e-14);
-    EXPECT_GT(p.Coordinate.North().Double(), 1e307);
+    // The main tangent lies at 3pi/2 + atan(6 R / c), so the ordinate is turned
+    // by pi - 1.2e-12: cos rounds to -1 and -DBL_MAX becomes +DBL_MAX; at
+    // station 0 the abscissa is 0 and adds nothing.
+    EXPECT_EQ(p.Coordinate.North().Double(), DBL_MAX);
     EXPECT_EQ(p.Radius.Double(), 0.0);
 }
 
@@ -478,7 +494,10 @@ TEST(CbcParabolLength, DiagonalMainTangentSwapsTheAxes)
     double const ca = std::cos(l.chordAngle);
     double const expected = std::fabs(std::pow(c * sa, 3.0) / (6.0 * 300.0 * c * ca));
     EXPECT_NEAR(CMathCbcParabol::Length(l.element).Double(), expected, 1e-9);
-    EXPECT_LT(CMathCbcParabol::Length(l.element).Double(), 0.01);
+    // By hand: tan a = -c / 6R = -90 / 1800 = -0.05, so c sin a = -4.5 / s and
+    // c cos a = 90 / s with s = sqrt(1.0025); the length is
+    // 4.5^3 / (6 * 300 * 90 * 1.0025) = 5.625e-4 / 1.0025 = 5.61097e-4 m.
+    EXPECT_NEAR(CMathCbcParabol::Length(l.element).Double(), 5.625e-4 / 1.0025, 1e-12);
 }
 
 TEST(CbcParabolLength, UnsupportedTypeIsZeroOverZero)

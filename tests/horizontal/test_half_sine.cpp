@@ -224,7 +224,9 @@ TEST(HalfSinConstants, ZeroSpanAndZeroRadiusGiveTheLargestDouble)
     e.End.Station = 50.0 + 1e-11;
     e.End.Radius = 5e-11;
     Access::GetConstants(e, &a, &b);
-    EXPECT_NE(a, DBL_MAX);
+    // a = pi / span; the span is 1e-11 m to within half an ulp of 50
+    // (3.6e-15 m), so a = pi / 1e-11 = 3.14159e11 to a relative 3.6e-4.
+    EXPECT_NEAR(a, CAPi / 1e-11, 4e-4 * CAPi / 1e-11);
     EXPECT_EQ(b, DBL_MAX);
 }
 

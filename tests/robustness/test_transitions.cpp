@@ -394,8 +394,18 @@ TEST(ClothoidStartPointUnderBadInput, EveryCombinationComesBack)
                         CACoordinate point;
                         CAAzimuth azimuth;
                         CALength radius;
-                        (void)CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.7), CALength(r1), CALength(r2), CALength(l),
-                                                        CALength(d), point, azimuth, radius);
+                        bool const ok =
+                            CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.7), CALength(r1), CALength(r2),
+                                                      CALength(l), CALength(d), point, azimuth, radius);
+                        if (r1 == r2) {
+                            // Equal radii (the same number, or 0 and -0) are no
+                            // transition: refused, the outputs left at the start.
+                            EXPECT_FALSE(ok) << r1 << " " << l << " " << d;
+                            EXPECT_EQ(point.East().Double(), c0.East().Double());
+                            EXPECT_EQ(point.North().Double(), c0.North().Double());
+                            EXPECT_EQ(azimuth.Double(), 0.7);
+                            EXPECT_EQ(radius.Double(), r1);
+                        }
                     }
                 }
             }
