@@ -14,10 +14,10 @@
 #include <fstream>
 #include <string>
 
-#include "horizontal/test_clothoid_geometry.h"
+#include "common/clothoid_track.h"
 
 using namespace zelmath;
-using clothoid_test::FresnelExact;
+using zeltest::FresnelExact;
 
 namespace {
 

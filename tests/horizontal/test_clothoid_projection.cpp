@@ -6,10 +6,10 @@
 #include <cmath>
 #include <limits>
 
-#include "horizontal/test_clothoid_geometry.h"
+#include "common/clothoid_track.h"
 
 using namespace zelmath;
-using namespace clothoid_test;
+using namespace zeltest;
 
 namespace zelmath {
 struct CMathClothoidTestAccess {

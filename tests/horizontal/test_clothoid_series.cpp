@@ -6,11 +6,11 @@
 #include <cmath>
 #include <random>
 
-#include "horizontal/test_clothoid_geometry.h"
+#include "common/clothoid_track.h"
 
 using namespace zelmath;
-using clothoid_test::FresnelExact;
-using clothoid_test::FresnelSeries4;
+using zeltest::FresnelExact;
+using zeltest::FresnelSeries4;
 using zellib::CAPi;
 
 namespace zelmath {

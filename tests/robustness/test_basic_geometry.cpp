@@ -3,7 +3,7 @@
 // lengths and coincident points. Every call must come back without a crash or
 // a sanitizer report; its outcome is what the computation's own steps give for
 // such numbers (a result code, NaN passed through, or the documented refusal).
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -12,7 +12,7 @@
 #include <cmath>
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 namespace {
 

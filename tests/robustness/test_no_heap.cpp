@@ -3,7 +3,7 @@
 // operation of every class of the library is called inside such a window, on
 // railway elements and on awkward numbers, with a station map that lives on
 // the stack. The test framework's own allocations happen outside the windows.
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -134,7 +134,7 @@ void operator delete[](void* p, std::align_val_t, std::nothrow_t const&) noexcep
 }
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 namespace {
 

@@ -3,7 +3,7 @@
 // zero radii, NaN, infinities, huge values and denormals. Every call must come
 // back; the iterations must stop within their step limits even where they can
 // never converge, and the recursive start-point clothoid must stop too.
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -12,7 +12,7 @@
 #include <cmath>
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 // Reach the iterations themselves, to drive them where the projections'
 // end tests would stop earlier.

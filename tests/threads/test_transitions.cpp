@@ -1,8 +1,8 @@
 // The clothoid, cubic parabola and half-sine transitions called from many
 // threads at once on shared elements and measured points: every point, foot
 // and result code must equal the single-threaded one bit for bit.
-#include "threads/thread_check.h"
-#include "threads/thread_inputs.h"
+#include "common/thread_check.h"
+#include "common/thread_inputs.h"
 
 #include <zelmath/zelmath.h>
 
@@ -12,9 +12,9 @@
 #include <vector>
 
 using namespace zelmath;
-using zelthreads::ExpectSameFromManyThreads;
-using zelthreads::InputSource;
-using zelthreads::Outcome;
+using zeltest::ExpectSameFromManyThreads;
+using zeltest::InputSource;
+using zeltest::Outcome;
 
 namespace {
 

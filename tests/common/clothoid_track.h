@@ -1,16 +1,18 @@
-// Independent clothoid geometry for the clothoid tests: Fresnel integrals by
-// numerical quadrature, the four-term series written in nested form, and a
-// clothoid "track" from which consistent elements are built.
+// Independent clothoid geometry for the clothoid tests: a clothoid "track"
+// from which consistent elements are built, on the reference clothoid of
+// common/clothoid_reference.h.
 #pragma once
 
 #include <zelmath/zelmath.h>
+
+#include "common/clothoid_reference.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <random>
 
-namespace clothoid_test {
+namespace zeltest {
 
 using zellib::CAAngle;
 using zellib::CAAzimuth;
@@ -21,34 +23,6 @@ using zelmath::CAxisPointSpec;
 using zelmath::TComplexType;
 
 using zellib::CAPi;
-
-// Unit clothoid coordinates x(l) = int_0^l cos(t^2/2) dt, y(l) = int_0^l sin(t^2/2) dt
-// by composite Simpson quadrature (odd in l).
-inline void FresnelExact(double l, double* x, double* y)
-{
-    int const n = 4000;  // even number of panels
-    double const h = l / n;
-    double sx = 0.0;
-    double sy = 0.0;
-    for (int i = 0; i <= n; ++i) {
-        double const t = h * i;
-        double const w = (i == 0 || i == n) ? 1.0 : ((i % 2) ? 4.0 : 2.0);
-        sx += w * std::cos(t * t / 2.0);
-        sy += w * std::sin(t * t / 2.0);
-    }
-    *x = sx * h / 3.0;
-    *y = sy * h / 3.0;
-}
-
-// The same four series terms as the library is to use, evaluated in nested
-// form in powers of l^2 (a different evaluation of the same polynomial).
-inline void FresnelSeries4(double l, double* x, double* y)
-{
-    double const t = l * l;
-    double const t2 = t * t;
-    *x = l * (1.0 + t2 * (-1.0 / 40.0 + t2 * (1.0 / 3456.0 - t2 / 599040.0)));
-    *y = l * t * (1.0 / 6.0 + t2 * (-1.0 / 336.0 + t2 * (1.0 / 42240.0 - t2 / 9676800.0)));
-}
 
 inline double WrapAngle(double a)
 {
@@ -259,4 +233,4 @@ struct ElementGenerator {
     }
 };
 
-}  // namespace clothoid_test
+}  // namespace zeltest
