@@ -18,13 +18,22 @@ using zellib::CASlope;
 using zellib::CASlopeUser;
 using zellib::CAValue;
 
+// Units and signs used by every element operation:
+//   coordinates   metres, (East, North) of the survey's plane grid;
+//   stations      metres along the alignment, growing from Start to End;
+//   azimuths      radians clockwise from grid North, in [0, 2 pi);
+//   radii         metres, signed: positive bends right (clockwise) in the
+//                 direction of growing station, negative left, 0 a straight;
+//   Parameter     metres (a clothoid's A, A^2 = R L).
+// The records are plain values: copying never throws or allocates.
+
 // A point on an alignment element.
 class ZELMATH_EXPORT CAxisPointSpec {
 public:
     CALength Station;         // station of the point (metres)
-    CAAzimuth Azimuth;        // tangent direction towards increasing station
-    CALength Radius;          // signed radius of curvature; 0 for a straight
-    CACoordinate Coordinate;  // the point (East, North)
+    CAAzimuth Azimuth;        // tangent towards increasing station (radians from North)
+    CALength Radius;          // signed radius of curvature (metres, + right); 0 straight
+    CACoordinate Coordinate;  // the point (East, North, metres)
 };
 
 // The kind of a transition element, as CMathComplexShape::GetComplextype sets
