@@ -4,9 +4,11 @@
 //   operation  inputs  |  expected  tolerance unit  |  where the value comes from
 //
 // Every row is checked on its own; a failing row is reported at its file and
-// line. Numbers may be written as nan or as multiples of pi (pi, pi/6, 2pi/3).
+// line. Numbers may be written as nan, as multiples of pi (pi, pi/6, 2pi/3)
+// or, for element kinds, by name (StraightIntoCurve, ...).
 #include <gtest/gtest.h>
 
+#include <zelmath/complex_shape.h>
 #include <zelmath/triangle.h>
 
 #include <cmath>
@@ -22,6 +24,9 @@ namespace {
 
 using zelmath::CAAngle;
 using zelmath::CALength;
+using zelmath::CAxisComplexSpec;
+using zelmath::CMathComplexShape;
+using zelmath::TComplexType;
 using zelmath::CMathPTriangle;
 using zelmath::CMathTriangle;
 
@@ -36,6 +41,15 @@ struct Signature {
 std::map<std::string, Signature> const& Operations()
 {
     static std::map<std::string, Signature> const ops = {
+        {"classify",
+         {2,
+          [](auto const& v) {
+              CAxisComplexSpec e;
+              e.Start.Radius = v[0];
+              e.End.Radius = v[1];
+              CMathComplexShape::GetComplextype(&e);
+              return static_cast<double>(e.ComplexType);
+          }}},
         {"cfromch", {2, [](auto const& v) { return CMathPTriangle::CfromCH(CALength(v[0]), CALength(v[1])).Double(); }}},
         {"hfromcc", {2, [](auto const& v) { return CMathPTriangle::HfromCC(CALength(v[0]), CALength(v[1])).Double(); }}},
         {"angle_sines",
@@ -62,11 +76,23 @@ std::map<std::string, Signature> const& Operations()
     return ops;
 }
 
-// A number as the tables write it: a decimal, nan, or [k]pi[/n].
+// A number as the tables write it: a decimal, nan, [k]pi[/n], or the name of
+// an element kind.
 bool ParseNumber(std::string const& text, double* value)
 {
+    static std::map<std::string, TComplexType::Type> const kinds = {
+        {"NotClassified", TComplexType::NotClassified},
+        {"StraightIntoCurve", TComplexType::StraightIntoCurve},
+        {"CurveIntoStraight", TComplexType::CurveIntoStraight},
+        {"CurveIntoTighterCurve", TComplexType::CurveIntoTighterCurve},
+        {"CurveIntoWiderCurve", TComplexType::CurveIntoWiderCurve}};
     if (text == "nan") {
         *value = std::numeric_limits<double>::quiet_NaN();
+        return true;
+    }
+    auto const kind = kinds.find(text);
+    if (kind != kinds.end()) {
+        *value = static_cast<double>(kind->second);
         return true;
     }
     std::size_t const pi = text.find("pi");
@@ -165,6 +191,11 @@ std::string DataFile(char const* name)
 }
 
 }  // namespace
+
+TEST(Tables, ComplexShape)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("complex_shape.txt")), 0);
+}
 
 TEST(Tables, Triangle)
 {
