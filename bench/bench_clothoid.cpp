@@ -93,7 +93,10 @@ void BM_Clothoid_Lot(benchmark::State& state)
 {
     zelbench::MeasureTransitionLot<CMathClothoid>(state);
 }
-BENCHMARK(BM_Clothoid_Lot)->ArgsProduct({{0, 1, 2, 3}, {0, 1, 2}});
+BENCHMARK(BM_Clothoid_Lot)
+    ->ArgsProduct({{TComplexType::StraightIntoCurve, TComplexType::CurveIntoStraight,
+                    TComplexType::CurveIntoTighterCurve, TComplexType::CurveIntoWiderCurve},
+                   {0, 1, 2}});
 
 void BM_Clothoid_StartPointLayout(benchmark::State& state)
 {

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "bench_geometry.h"
-#include "clothoid_reference.h"
+#include "clothoid_baseline.h"
 #include "transition_elements.h"
 
 #include <zelmath/records.h>

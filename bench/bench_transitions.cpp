@@ -22,7 +22,8 @@ void BM_CubicParabola_Lot(benchmark::State& state)
 {
     zelbench::MeasureTransitionLot<CMathCbcParabol>(state);
 }
-BENCHMARK(BM_CubicParabola_Lot)->ArgsProduct({{0, 1}, {0, 1, 2}});
+BENCHMARK(BM_CubicParabola_Lot)
+    ->ArgsProduct({{TComplexType::StraightIntoCurve, TComplexType::CurveIntoStraight}, {0, 1, 2}});
 
 void BM_HalfSine_Kleinpunkt(benchmark::State& state)
 {
@@ -34,6 +35,7 @@ void BM_HalfSine_Lot(benchmark::State& state)
 {
     zelbench::MeasureTransitionLot<CMathHalfSin>(state);
 }
-BENCHMARK(BM_HalfSine_Lot)->ArgsProduct({{0, 1}, {0, 1, 2}});
+BENCHMARK(BM_HalfSine_Lot)
+    ->ArgsProduct({{TComplexType::StraightIntoCurve, TComplexType::CurveIntoStraight}, {0, 1, 2}});
 
 }  // namespace

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "bench_geometry.h"
-#include "clothoid_reference.h"
+#include "clothoid_baseline.h"
 
 #include <zelmath/complex_shape.h>
 #include <zelmath/records.h>

@@ -42,8 +42,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     } else {
         e.ComplexType = (rawShape >= -8.0 && rawShape <= 8.0) ? static_cast<std::int32_t>(rawShape) : 5;
     }
-    bool const known = e.ComplexType >= 0 && e.ComplexType <= 3;
-    bool const knownOneSided = e.ComplexType == 0 || e.ComplexType == 1;
+    bool const known = e.ComplexType >= TComplexType::StraightIntoCurve &&
+                       e.ComplexType <= TComplexType::CurveIntoWiderCurve;
+    bool const knownOneSided =
+        e.ComplexType == TComplexType::StraightIntoCurve || e.ComplexType == TComplexType::CurveIntoStraight;
 
     CAxisPointSpec out;
     out.Station = -1.5;

@@ -74,7 +74,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         e.Start.Radius = rs;
         e.End.Radius = re;
         CMathComplexShape::GetComplextype(&e);
-        Require(e.ComplexType >= 0 && e.ComplexType <= 3);
+        Require(e.ComplexType >= TComplexType::StraightIntoCurve &&
+                e.ComplexType <= TComplexType::CurveIntoWiderCurve);
         double const rs2 = e.Start.Radius.Double();
         double const re2 = e.End.Radius.Double();
         Require(std::memcmp(&rs, &rs2, sizeof rs) == 0 && std::memcmp(&re, &re2, sizeof re) == 0);

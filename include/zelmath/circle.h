@@ -8,6 +8,11 @@ namespace zelmath {
 
 // A circular arc given by its start P1, its end P2 and a signed radius R:
 // R > 0 turns clockwise (to the right), R < 0 counter-clockwise (to the left).
+// Coordinates, radii, stations and distances are metres, azimuths radians
+// clockwise from North. Every result is exact to rounding.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathCircle {
 public:
     // The centre of the arc: to the right of the chord P1->P2 for R > 0, to the

@@ -12,10 +12,10 @@ namespace zelmath {
 // An element is a piece of one clothoid between Start and End of a
 // CAxisComplexSpec whose ComplexType the caller has set with
 // CMathComplexShape::GetComplextype:
-//   0 straight at the start (the origin is the start point),
-//   1 straight at the end (the origin is the end point),
-//   2 radius shrinking along the element (the origin lies before the start),
-//   3 radius growing along the element (the origin lies beyond the end).
+//   StraightIntoCurve (0): the origin is the start point,
+//   CurveIntoStraight (1): the origin is the end point,
+//   CurveIntoTighterCurve (2): the origin lies before the start,
+//   CurveIntoWiderCurve (3): the origin lies beyond the end.
 // Any other ComplexType makes the element operations no-operations.
 //
 // The local clothoid frame has its origin at the point of zero curvature, X
@@ -23,14 +23,26 @@ namespace zelmath {
 // side to which the curve bends for a positive scaled length. Local points are
 // computed from the first four terms of the Fresnel series only, so their
 // accuracy falls off for large scaled lengths L / A.
+//
+// Accuracy of every point: what counts is l = L / A with L the arc length from
+// the origin (curve into curve, the origin lies outside the element:
+// l = A / R of the tighter end). The deviation from the true clothoid is about
+// A (l^17 / 175472640 + l^19 / 3530096640): below rounding up to l = 0.5,
+// 5.7e-9 A at l = 1, 5.6e-6 A at l = 1.5. For every A up to 3000 m, l <= 1.1
+// (tangent angle 0.6 rad from the origin) keeps points within 0.1 mm and
+// l <= 1.27 within 1 mm; the tables are in docs/clothoid-accuracy.md.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathClothoid {
 public:
-    // The local point (X, Y) at arc length L from the origin of the clothoid
-    // with parameter A.
+    // The local point (X, Y) at arc length L (metres, signed) from the origin of
+    // the clothoid with parameter A (metres); accuracy as above, with l = L / A.
+    // A = 0 gives (0, 0).
     static CACoordinate GetLocalCoordinate(CALength const& A, CALength const& L);
 
-    // The clothoid parameter sqrt(|R| * |L|) from a radius and the arc length at
-    // which it is reached.
+    // The clothoid parameter sqrt(|R| * |L|) (metres) from a radius and the arc
+    // length at which it is reached (metres, signs ignored). Exact to rounding.
     static double Parameter(CALength const& R, CALength const& L);
 
     // Length of the element from its parameter and end radii (the stations are
@@ -54,6 +66,10 @@ public:
     // Perpendicular foot of point on the element. OnElement with the foot,
     // BeforeStart or BeyondEnd with the start or end point, NoSolution when the
     // iteration finds no foot or ComplexType is unknown (foot then untouched).
+    // The foot is accepted when the point lies within 0.4 mm of the normal at
+    // it, measured along the tangent; a point less than 0.5 mm beyond the end
+    // is not reported as beyond it. Points more than 2000 m across the tangent,
+    // and searches that do not settle within 3000 steps, give NoSolution.
     static TPointMathResult::Type Lot(CAxisComplexSpec const& spec, CACoordinate const& point,
                                       CAxisPointSpec* foot);
 

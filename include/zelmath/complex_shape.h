@@ -7,6 +7,10 @@
 
 namespace zelmath {
 
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once (each on its
+// own record).
 class ZELMATH_EXPORT CMathComplexShape {
 public:
     // Radii whose magnitude is below this (metres) count as a straight.

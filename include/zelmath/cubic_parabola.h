@@ -10,15 +10,21 @@ namespace zelmath {
 // x is the abscissa along the main tangent from the point of zero curvature
 // (the origin), y the ordinate at right angles to it, R the radius at the
 // curved end and Lx the abscissa of the curved end. Stations map linearly to
-// abscissae. Only ComplexType 0 (straight into curve: origin at Start, curved
-// end at End) and 1 (curve into straight: curved end at Start, origin at End)
-// are handled. The main tangent is derived from the two end coordinates and
-// the radius; the element's Parameter and stored azimuths are not read.
+// abscissae. Only StraightIntoCurve (origin at Start, curved end at End) and
+// CurveIntoStraight (curved end at Start, origin at End) are handled. The main
+// tangent is derived from the two end coordinates and the radius; the
+// element's Parameter and stored azimuths are not read.
 //
-// For ComplexType 1 the local point is placed about the end point without
+// For CurveIntoStraight the local point is placed about the end point without
 // reversing it, so Kleinpunkt's coordinates come out reflected through the end
 // point (azimuths and radii are those of the curve itself); Lot then reports
 // such an element's curve points beyond the end or finds no foot.
+//
+// Accuracy: exact to rounding for the points of y = x^3 / (6 R Lx); the cubic
+// parabola itself departs from a clothoid as x / R grows.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathCbcParabol {
 public:
     // Abscissa length Lx of the parabola, |x^3 / (6 R y)| of the chord from
@@ -28,12 +34,16 @@ public:
     static CALength Length(CAxisComplexSpec const& element);
 
     // Point, tangent azimuth and radius at a station; fills all four fields of
-    // out for ComplexType 0 and 1 and leaves out untouched otherwise.
+    // out for StraightIntoCurve and CurveIntoStraight and leaves out untouched otherwise.
     static void Kleinpunkt(CAxisComplexSpec const& element, CALength const& station,
                            CAxisPointSpec* out);
 
     // Foot of the perpendicular from a measured point. Before the start out
     // holds the point at Start.Station, beyond the end the point at End.Station.
+    // The foot is accepted when the point lies within 0.4 mm of the normal at
+    // it, along the tangent; points more than 2000 m across the tangent,
+    // searches that do not settle within 3000 steps and other ComplexTypes
+    // give NoSolution.
     static TPointMathResult::Type Lot(CAxisComplexSpec const& element, CACoordinate const& point,
                                       CAxisPointSpec* out);
 
@@ -55,7 +65,7 @@ private:
         CALength Abscissa;        // Lx
     };
 
-    // The common quantities for ComplexType 0 or 1.
+    // The common quantities for StraightIntoCurve or CurveIntoStraight.
     static TGeometry Geometry(CAxisComplexSpec const& element);
 
     // Chord angle of a local point (counter-clockwise from the abscissa axis).

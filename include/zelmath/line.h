@@ -8,7 +8,11 @@ namespace zelmath {
 
 // A straight from P1 to P2, and intersections of lines and segments. Throughout,
 // P1 and P2 are the start and end of the first line or segment, P3 and P4 those
-// of the second.
+// of the second. Coordinates, stations and distances are metres, azimuths
+// radians clockwise from North. Every result is exact to rounding.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathLine {
 public:
     // Distance along each line's azimuth at which the azimuth form of

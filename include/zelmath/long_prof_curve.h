@@ -12,6 +12,11 @@ namespace zelmath {
 // is that of the circle, or the vertex radius of the parabola; its sign is
 // ignored. Outputs are written only when the step that produces them is
 // reached; slopes are returned in percent (CASlopeUser, ANG_PERCENT).
+// Stations, heights, radii and lengths are metres. A length or run below
+// 2^-126 m counts as zero.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathLongProfCurve {
 public:
     // Tangent points, length along the curve and centre of a circular curve.

@@ -6,7 +6,11 @@
 
 namespace zelmath {
 
-// Points in space are (East, North, Elevation), a right-handed frame.
+// Points in space are (East, North, Elevation) in metres, a right-handed frame.
+// Results are exact to rounding.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathPlane {
 public:
     // Below this length a normal, or the projection of the line's direction on

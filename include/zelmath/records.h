@@ -18,22 +18,46 @@ using zellib::CASlope;
 using zellib::CASlopeUser;
 using zellib::CAValue;
 
+// Units and signs used by every element operation:
+//   coordinates   metres, (East, North) of the survey's plane grid;
+//   stations      metres along the alignment, growing from Start to End;
+//   azimuths      radians clockwise from grid North, in [0, 2 pi);
+//   radii         metres, signed: positive bends right (clockwise) in the
+//                 direction of growing station, negative left, 0 a straight;
+//   Parameter     metres (a clothoid's A, A^2 = R L).
+// The records are plain values: copying never throws or allocates.
+
 // A point on an alignment element.
 class ZELMATH_EXPORT CAxisPointSpec {
 public:
     CALength Station;         // station of the point (metres)
-    CAAzimuth Azimuth;        // tangent direction towards increasing station
-    CALength Radius;          // signed radius of curvature; 0 for a straight
-    CACoordinate Coordinate;  // the point (East, North)
+    CAAzimuth Azimuth;        // tangent towards increasing station (radians from North)
+    CALength Radius;          // signed radius of curvature (metres, + right); 0 straight
+    CACoordinate Coordinate;  // the point (East, North, metres)
+};
+
+// The kind of a transition element, as CMathComplexShape::GetComplextype sets
+// it and CAxisComplexSpec::ComplexType holds it. The values are those stored in
+// the records (std::int32_t); a value outside 0 to 3 is an unknown kind, which
+// every element operation rejects or treats as no transition.
+class ZELMATH_EXPORT TComplexType {
+public:
+    enum Type : std::int32_t {
+        NotClassified = -1,          // not (yet) classified
+        StraightIntoCurve = 0,       // curvature grows from 0 at the start
+        CurveIntoStraight = 1,       // curvature falls to 0 at the end
+        CurveIntoTighterCurve = 2,   // both ends curved, |radius| shrinks
+        CurveIntoWiderCurve = 3      // both ends curved, |radius| grows or stays
+    };
 };
 
 // An alignment element described by its two ends. End holds the larger
-// station and is stored before Start. ComplexType is the transition kind 0 to 3
-// set by CMathComplexShape::GetComplextype; a default-constructed record holds
-// NotClassified, which every element operation treats as an unknown kind.
+// station and is stored before Start. ComplexType is a TComplexType::Type;
+// a default-constructed record holds NotClassified, which every element
+// operation treats as an unknown kind.
 class ZELMATH_EXPORT CAxisComplexSpec {
 public:
-    static constexpr std::int32_t NotClassified = -1;
+    static constexpr std::int32_t NotClassified = TComplexType::NotClassified;
 
     CAxisComplexSpec() = default;
     CAxisComplexSpec(CAxisComplexSpec const&) = default;

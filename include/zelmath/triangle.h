@@ -7,7 +7,11 @@
 namespace zelmath {
 
 // The right-angled triangle: catheti and hypotenuse. The square roots are taken
-// without any guard; impossible triangles give what sqrt gives (NaN).
+// without any guard; impossible triangles give what sqrt gives (NaN). Sides
+// in metres; exact to rounding.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathPTriangle {
 public:
     // The other cathetus from cathetus c and hypotenuse h: sqrt(h*h - c*c).
@@ -18,6 +22,10 @@ public:
 };
 
 // The general triangle by the law of sines and by the library's own cosine rule.
+// Sides in metres, angles in radians; exact to rounding.
+//
+// Contract: static members only, no state; nothing throws, nothing allocates
+// on the heap; safe to call from any number of threads at once.
 class ZELMATH_EXPORT CMathTriangle {
 public:
     // Law of sines: the angle opposite side b when side a lies opposite alpha.

@@ -4,7 +4,7 @@ namespace zelmath {
 
 void CMathComplexShape::GetComplextype(CAxisComplexSpec* element)
 {
-    element->ComplexType = 0;
+    element->ComplexType = TComplexType::StraightIntoCurve;
 
     // Work on copies: the record's own radii stay as given.
     CALength startRadius = element->Start.Radius;
@@ -19,13 +19,15 @@ void CMathComplexShape::GetComplextype(CAxisComplexSpec* element)
     }
 
     if (startRadius == 0.0 && endRadius != 0.0) {
-        element->ComplexType = 0;
+        element->ComplexType = TComplexType::StraightIntoCurve;
     }
     if (endRadius == 0.0 && startRadius != 0.0) {
-        element->ComplexType = 1;
+        element->ComplexType = TComplexType::CurveIntoStraight;
     }
     if (startRadius != 0.0 && endRadius != 0.0) {
-        element->ComplexType = (startRadius.Absolute() > endRadius.Absolute()) ? 2 : 3;
+        element->ComplexType = (startRadius.Absolute() > endRadius.Absolute())
+                                   ? TComplexType::CurveIntoTighterCurve
+                                   : TComplexType::CurveIntoWiderCurve;
     }
 }
 

@@ -27,12 +27,12 @@ CALength CMathClothoid::Length(CAxisComplexSpec const& spec)
     double const re = spec.End.Radius.Absolute().Double();
 
     switch (spec.ComplexType) {
-    case 0:
+    case TComplexType::StraightIntoCurve:
         return CALength(a2 / re);
-    case 1:
+    case TComplexType::CurveIntoStraight:
         return CALength(a2 / rs);
-    case 2:
-    case 3:
+    case TComplexType::CurveIntoTighterCurve:
+    case TComplexType::CurveIntoWiderCurve:
         return CALength(std::fabs(a2 / rs - a2 / re));
     default:
         return CALength(0.0);
@@ -47,7 +47,7 @@ CACoordinate CMathClothoid::GetUrsprung(CAxisComplexSpec const& spec)
     // (type 3) the origin lies beyond the end, so the end is the near point;
     // with the radius shrinking (type 2) it lies before the start and the roles
     // of the two ends are exchanged.
-    bool const originBeforeStart = (spec.ComplexType == 2);
+    bool const originBeforeStart = (spec.ComplexType == TComplexType::CurveIntoTighterCurve);
     CACoordinate const& nearPoint = originBeforeStart ? spec.Start.Coordinate : spec.End.Coordinate;
     CACoordinate const& farPoint = originBeforeStart ? spec.End.Coordinate : spec.Start.Coordinate;
     CALength const& nearRadius = originBeforeStart ? spec.Start.Radius : spec.End.Radius;
@@ -111,7 +111,7 @@ CACoordinate CMathClothoid::GetUrsprung(CAxisComplexSpec const& spec)
 void CMathClothoid::Kleinpunkt(CAxisComplexSpec const& spec, CALength const& station, CAxisPointSpec* point)
 {
     int const type = spec.ComplexType;
-    if (type < 0 || type > 3) {
+    if (type < TComplexType::StraightIntoCurve || type > TComplexType::CurveIntoWiderCurve) {
         return;
     }
 
@@ -135,7 +135,7 @@ void CMathClothoid::Kleinpunkt(CAxisComplexSpec const& spec, CALength const& sta
     bool countsBackwards = false;
     CALength radiusPreset = rs;
     switch (type) {
-    case 0:
+    case TComplexType::StraightIntoCurve:
         s = station - ss;
         origin = cs;
         phi = (ce - cs).Azimuth();
@@ -143,7 +143,7 @@ void CMathClothoid::Kleinpunkt(CAxisComplexSpec const& spec, CALength const& sta
         right = (re > 0.0) != 0;
         radiusPreset = 0.0;
         break;
-    case 1:
+    case TComplexType::CurveIntoStraight:
         s = se - station;
         origin = ce;
         phi = (ce - cs).Azimuth();
@@ -151,7 +151,7 @@ void CMathClothoid::Kleinpunkt(CAxisComplexSpec const& spec, CALength const& sta
         right = (rs > 0.0) != 0;
         countsBackwards = true;
         break;
-    case 2: {
+    case TComplexType::CurveIntoTighterCurve: {
         CALength const ls = ArcLengthOfRadius(A, rs);
         s = ls + station - ss;
         origin = GetUrsprung(spec);

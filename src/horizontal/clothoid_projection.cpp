@@ -38,7 +38,7 @@ TPointMathResult::Type CMathClothoid::Lot(CAxisComplexSpec const& spec, CACoordi
 {
     TPointMathResult::Type result = TPointMathResult::NoSolution;
     int const type = spec.ComplexType;
-    if (type < 0 || type > 3) {
+    if (type < TComplexType::StraightIntoCurve || type > TComplexType::CurveIntoWiderCurve) {
         return result;
     }
 
@@ -52,12 +52,12 @@ TPointMathResult::Type CMathClothoid::Lot(CAxisComplexSpec const& spec, CACoordi
     CAAngle thetaStart;
     CAAngle thetaEnd;
     bool pointsBackwards = false;
-    if (type == 0 || type == 1) {
+    if (type == TComplexType::StraightIntoCurve || type == TComplexType::CurveIntoStraight) {
         CAAngle tau;
         CALength chord;
         CAAngle alpha;
         GetLocalCoordAt(A, spec.End.Station - spec.Start.Station, &tau, &chord, &alpha);
-        if (type == 0) {
+        if (type == TComplexType::StraightIntoCurve) {
             CAAzimuth const phi = (ce - cs).Azimuth();
             if (re > 0.0) {
                 thetaStart = phi - alpha;
@@ -88,7 +88,7 @@ TPointMathResult::Type CMathClothoid::Lot(CAxisComplexSpec const& spec, CACoordi
         GetLocalCoordAt(A, ArcLengthOfRadius(A, re), &tauE, &chord, &alphaE);
         CACoordinate const origin = GetUrsprung(spec);
         CAAngle theta0;
-        if (type == 2) {
+        if (type == TComplexType::CurveIntoTighterCurve) {
             // Origin before the start: chord from the origin to the end.
             CAAzimuth const phi = (ce - origin).Azimuth();
             if (re > 0.0) {

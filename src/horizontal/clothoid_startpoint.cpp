@@ -10,11 +10,12 @@ namespace zelmath {
 
 namespace {
 
-// Kinds of radius pairs (see ClassifyRadii).
-constexpr int StraightAtStart = 0;
-constexpr int StraightAtEnd = 1;
-constexpr int OriginBeforeStart = 2;
-constexpr int OriginBeyondEnd = 3;
+// Kinds of radius pairs (see ClassifyRadii): the four element kinds, and one
+// more for a pair that bends both ways, which no single clothoid can join.
+constexpr int StraightAtStart = TComplexType::StraightIntoCurve;
+constexpr int StraightAtEnd = TComplexType::CurveIntoStraight;
+constexpr int OriginBeforeStart = TComplexType::CurveIntoTighterCurve;
+constexpr int OriginBeyondEnd = TComplexType::CurveIntoWiderCurve;
 constexpr int ReversedBending = 4;
 
 using horizontal_detail::LocalToWorld;

@@ -1,9 +1,9 @@
 #include <zelmath/cubic_parabola.h>
 
-#include <cfloat>
 #include <cmath>
 
 #include "element_common.h"
+#include "foundation/thresholds.h"
 
 namespace zelmath {
 
@@ -18,7 +18,7 @@ using horizontal_detail::WorldToLocal;
 
 // Stands in for the infinite ordinate of a straight end or a zero chord, and
 // for the infinite abscissa of a zero station span.
-constexpr double Huge = DBL_MAX;
+using foundation_detail::Huge;
 
 }  // namespace
 
@@ -51,7 +51,7 @@ CACoordinate CMathCbcParabol::BasePoint(CACoordinate const& p0, CAAzimuth const&
 
 CMathCbcParabol::TGeometry CMathCbcParabol::Geometry(CAxisComplexSpec const& element)
 {
-    bool const curveAtEnd = (element.ComplexType == 0);
+    bool const curveAtEnd = (element.ComplexType == TComplexType::StraightIntoCurve);
     TGeometry g;
     g.Radius = curveAtEnd ? element.End.Radius : element.Start.Radius;
     CACoordinate const& origin = curveAtEnd ? element.Start.Coordinate : element.End.Coordinate;
@@ -87,10 +87,11 @@ CMathCbcParabol::TGeometry CMathCbcParabol::Geometry(CAxisComplexSpec const& ele
 void CMathCbcParabol::Kleinpunkt(CAxisComplexSpec const& element, CALength const& station,
                                  CAxisPointSpec* out)
 {
-    if (element.ComplexType != 0 && element.ComplexType != 1) {
+    if (element.ComplexType != TComplexType::StraightIntoCurve &&
+        element.ComplexType != TComplexType::CurveIntoStraight) {
         return;
     }
-    bool const curveAtEnd = (element.ComplexType == 0);
+    bool const curveAtEnd = (element.ComplexType == TComplexType::StraightIntoCurve);
     TGeometry const g = Geometry(element);
 
     // Station span: its magnitude from a straight into a curve, the signed
@@ -138,11 +139,11 @@ CALength CMathCbcParabol::Length(CAxisComplexSpec const& element)
     CAxisPointSpec k;
     CALength r;
     CACoordinate v;
-    if (element.ComplexType == 0) {
+    if (element.ComplexType == TComplexType::StraightIntoCurve) {
         Kleinpunkt(element, element.Start.Station, &k);
         r = element.End.Radius;
         v = element.End.Coordinate - element.Start.Coordinate;
-    } else if (element.ComplexType == 1) {
+    } else if (element.ComplexType == TComplexType::CurveIntoStraight) {
         Kleinpunkt(element, element.End.Station, &k);
         r = element.Start.Radius;
         v = element.Start.Coordinate - element.End.Coordinate;
@@ -194,10 +195,11 @@ TPointMathResult::Type CMathCbcParabol::Lot(CAxisComplexSpec const& element,
                                             CACoordinate const& point, CAxisPointSpec* out)
 {
     TPointMathResult::Type result = TPointMathResult::NoSolution;
-    if (element.ComplexType != 0 && element.ComplexType != 1) {
+    if (element.ComplexType != TComplexType::StraightIntoCurve &&
+        element.ComplexType != TComplexType::CurveIntoStraight) {
         return result;
     }
-    bool const curveAtEnd = (element.ComplexType == 0);
+    bool const curveAtEnd = (element.ComplexType == TComplexType::StraightIntoCurve);
     TGeometry const g = Geometry(element);
     CALength const span = element.End.Station - element.Start.Station;
 

@@ -1,9 +1,9 @@
 #include <zelmath/half_sine.h>
 
-#include <cfloat>
 #include <cmath>
 
 #include "element_common.h"
+#include "foundation/thresholds.h"
 
 namespace zelmath {
 
@@ -18,7 +18,7 @@ using horizontal_detail::LocalToWorld;
 using horizontal_detail::WorldToLocal;
 
 // Stands in for the infinite constants of a zero span or a straight end.
-constexpr double Huge = DBL_MAX;
+using foundation_detail::Huge;
 
 // Distance along the element between the two points whose connecting line
 // gives the tangent.
@@ -42,7 +42,8 @@ void CMathHalfSin::GetConstants(CAxisComplexSpec const& element, double* a, doub
         *a = CAPi / span.Double();
     }
 
-    CALength const radius = (element.ComplexType == 1) ? element.Start.Radius : element.End.Radius;
+    CALength const radius =
+        (element.ComplexType == TComplexType::CurveIntoStraight) ? element.Start.Radius : element.End.Radius;
     if (radius == 0.0) {
         *b = Huge;
     } else {
@@ -119,7 +120,8 @@ double CMathHalfSin::TauNeu(CAxisComplexSpec const& element, CALength const& l)
 void CMathHalfSin::Kleinpunkt(CAxisComplexSpec const& element, CALength const& station,
                               CAxisPointSpec* out)
 {
-    if (element.ComplexType != 0 && element.ComplexType != 1) {
+    if (element.ComplexType != TComplexType::StraightIntoCurve &&
+        element.ComplexType != TComplexType::CurveIntoStraight) {
         return;
     }
     double a = 0.0;
@@ -130,7 +132,7 @@ void CMathHalfSin::Kleinpunkt(CAxisComplexSpec const& element, CALength const& s
     CAAzimuth const chordAzimuth = chord.Azimuth();
     CAAngle const sigma = Sigma(a, b, span);
 
-    if (element.ComplexType == 0) {
+    if (element.ComplexType == TComplexType::StraightIntoCurve) {
         // Origin at the start; the ordinate is negated so that a positive
         // radius bends to the right of the main tangent.
         CALength const l = station - element.Start.Station;
@@ -199,17 +201,19 @@ TPointMathResult::Type CMathHalfSin::Lot(CAxisComplexSpec const& element,
 
     CAAzimuth originAzimuth;
     CAAzimuth curvedAzimuth;
-    if (element.ComplexType == 0) {
+    if (element.ComplexType == TComplexType::StraightIntoCurve) {
         originAzimuth = chordAzimuth - sigma;
         curvedAzimuth = originAzimuth + tau;
-    } else if (element.ComplexType == 1) {
+    } else if (element.ComplexType == TComplexType::CurveIntoStraight) {
         originAzimuth = chordAzimuth + sigma;
         curvedAzimuth = originAzimuth - tau;
     } else {
         return TPointMathResult::NoSolution;
     }
-    CAAzimuth const endAzimuth = (element.ComplexType == 0) ? curvedAzimuth : originAzimuth;
-    CAAzimuth const startAzimuth = (element.ComplexType == 0) ? originAzimuth : curvedAzimuth;
+    CAAzimuth const endAzimuth =
+        (element.ComplexType == TComplexType::StraightIntoCurve) ? curvedAzimuth : originAzimuth;
+    CAAzimuth const startAzimuth =
+        (element.ComplexType == TComplexType::StraightIntoCurve) ? originAzimuth : curvedAzimuth;
 
     CACoordinate q1 = point - element.End.Coordinate;
     q1.Rotate(WorldToLocal(endAzimuth));

@@ -7,6 +7,8 @@
 
 #include <cstdint>
 
+#include "foundation/thresholds.h"
+
 namespace zelmath {
 
 class CLongProfCurveSolver {
@@ -18,7 +20,7 @@ public:
 
     // Every zero test of the profile computations: |v| below the smallest
     // normal float.
-    static constexpr double ZeroTolerance = 1.1754943508222875e-38;  // 2^-126
+    static constexpr double ZeroTolerance = foundation_detail::ZeroThreshold;  // 2^-126
     // Grades and slopes in percent are 100 times the gradient.
     static constexpr double PercentPerGradient = 100.0;
     // Half the parabola's horizontal extent is the radius times the change of

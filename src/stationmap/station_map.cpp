@@ -4,12 +4,14 @@
 
 #include <zelmath/long_prof_curve.h>
 
+#include "foundation/thresholds.h"
+
 namespace zelmath {
 
 namespace {
 
 // An element shorter than this in plan adds nothing of its own.
-constexpr double ZeroLength = 1.1754943508222875e-38;  // 2^-126
+constexpr double ZeroLength = foundation_detail::ZeroThreshold;  // 2^-126
 // A station on a vertical curve is found when its curve length matches the
 // remaining tunnel metres to within this (metres).
 constexpr double CurveTolerance = 1e-4;
@@ -44,6 +46,116 @@ bool FindStationOnCurve(CurveLengthFn lengthBetween, const CStngMapCurved3DDef& 
         if (++failed > MaxCurveSteps) {
             return false;
         }
+    }
+}
+
+// Walks the map from element index towards increasing stations (forwards) or
+// decreasing ones, using up rest tunnel metres, and writes the 2D station where
+// they run out. The element at index counts only from the reference station on,
+// unless the reference lay outside the map (clamped), in which case it counts
+// whole. Off either end of the map one tunnel metre is one station metre.
+// Walking forwards, the element count is asked again on every step.
+bool WalkMap(IStngMap2D3DElements* elements, CurveLengthFn lengthBetween, bool forwards, int index,
+             bool clamped, double referenceStation, double rest, double& station)
+{
+    CStngMap2D3DElement element;
+    CStngMapCurved3DDef curve;
+    CALength curveLength;
+
+    for (int i = index;; i = forwards ? i + 1 : i - 1) {
+        if (forwards) {
+            int const currentCount = elements->GetElementCount();
+            if (i >= currentCount) {
+                // Ran off the end of the map: one to one beyond it.
+                if (rest > 0.0) {
+                    if (!elements->GetElement(currentCount - 1, &element)) {
+                        return false;
+                    }
+                    station = element.StngEnd.Double() + rest;
+                    return true;
+                }
+                return false;
+            }
+        } else if (i < 0) {
+            // Ran off the start of the map: one to one before it.
+            if (rest > 0.0) {
+                if (!elements->GetElement(0, &element)) {
+                    return false;
+                }
+                station = element.StngStart.Double() - rest;
+                return true;
+            }
+            return false;
+        }
+        if (!elements->GetElement(i, &element)) {
+            return false;
+        }
+        if (!(rest > 0.0)) {
+            continue;
+        }
+        double const start = element.StngStart.Double();
+        double const end = element.StngEnd.Double();
+        double const length3D = element.Length3D.Double();
+        double const len2D = end - start;
+        double available = length3D;
+        // The walk enters the element at its start going forwards, at its end
+        // going backwards.
+        double base = forwards ? start : end;
+
+        if (i == index && !clamped) {
+            // Only the part on the walking side of the reference counts.
+            available = 0.0;
+            if (len2D > ZeroLength) {
+                if (element.Curved) {
+                    if (!elements->GetCurvedDef(i, &curve)) {
+                        return false;
+                    }
+                    bool const measured = forwards ? lengthBetween(curve, referenceStation, end, curveLength)
+                                                   : lengthBetween(curve, start, referenceStation, curveLength);
+                    if (!measured) {
+                        return false;
+                    }
+                    available = curveLength.Double();
+                } else {
+                    available = forwards ? std::fabs(end - referenceStation) / len2D * length3D
+                                         : std::fabs(referenceStation - start) / len2D * length3D;
+                }
+            }
+            base = referenceStation;
+        }
+
+        if (rest <= available) {
+            double d = 0.0;
+            if (!(length3D > ZeroLength)) {
+                d = 0.0;
+            } else if (!element.Curved) {
+                d = rest / length3D * len2D;
+            } else {
+                if (!elements->GetCurvedDef(i, &curve)) {
+                    return false;
+                }
+                // Fixed-point steps from rest beyond base, held to the
+                // element's far end.
+                double s = 0.0;
+                if (forwards) {
+                    s = base + rest;
+                    if (s > end) {
+                        s = end;
+                    }
+                } else {
+                    s = base - rest;
+                    if (s < start) {
+                        s = start;
+                    }
+                }
+                if (!FindStationOnCurve(lengthBetween, curve, forwards, base, rest, s, curveLength, d)) {
+                    return false;
+                }
+            }
+            station = forwards ? base + d : base - d;
+            return true;
+        }
+        rest -= available;
     }
 }
 
@@ -250,146 +362,7 @@ bool CMathStngMap2D3D::get2DStngFrom3DTM(IStngMap2D3DElements* elements, double 
         }
     }
 
-    CStngMapCurved3DDef curve;
-    CALength curveLength;
-
-    if (dir > 0) {
-        for (int i = index;; ++i) {
-            int const currentCount = elements->GetElementCount();
-            if (i >= currentCount) {
-                // Ran off the end of the map: one to one beyond it.
-                if (rest > 0.0) {
-                    if (!elements->GetElement(currentCount - 1, &element)) {
-                        return false;
-                    }
-                    station = element.StngEnd.Double() + rest;
-                    return true;
-                }
-                return false;
-            }
-            if (!elements->GetElement(i, &element)) {
-                return false;
-            }
-            if (!(rest > 0.0)) {
-                continue;
-            }
-            double const start = element.StngStart.Double();
-            double const end = element.StngEnd.Double();
-            double const length3D = element.Length3D.Double();
-            double const len2D = end - start;
-            double available = length3D;
-            double base = start;
-
-            if (i == index && !clamped) {
-                // Only the part after the reference counts.
-                available = 0.0;
-                if (len2D > ZeroLength) {
-                    if (element.Curved) {
-                        if (!elements->GetCurvedDef(i, &curve) ||
-                            !get3DLengthForCurve(curve, referenceStation, end, curveLength)) {
-                            return false;
-                        }
-                        available = curveLength.Double();
-                    } else {
-                        available = std::fabs(end - referenceStation) / len2D * length3D;
-                    }
-                }
-                base = referenceStation;
-            }
-
-            if (rest <= available) {
-                double d = 0.0;
-                if (!(length3D > ZeroLength)) {
-                    d = 0.0;
-                } else if (!element.Curved) {
-                    d = rest / length3D * len2D;
-                } else {
-                    if (!elements->GetCurvedDef(i, &curve)) {
-                        return false;
-                    }
-                    // Fixed-point steps from base + rest, held to the end.
-                    double s = base + rest;
-                    if (s > end) {
-                        s = end;
-                    }
-                    if (!FindStationOnCurve(&get3DLengthForCurve, curve, true, base, rest, s, curveLength,
-                                            d)) {
-                        return false;
-                    }
-                }
-                station = base + d;
-                return true;
-            }
-            rest -= available;
-        }
-    }
-
-    for (int i = index;; --i) {
-        if (i < 0) {
-            // Ran off the start of the map: one to one before it.
-            if (rest > 0.0) {
-                if (!elements->GetElement(0, &element)) {
-                    return false;
-                }
-                station = element.StngStart.Double() - rest;
-                return true;
-            }
-            return false;
-        }
-        if (!elements->GetElement(i, &element)) {
-            return false;
-        }
-        if (!(rest > 0.0)) {
-            continue;
-        }
-        double const start = element.StngStart.Double();
-        double const end = element.StngEnd.Double();
-        double const length3D = element.Length3D.Double();
-        double const len2D = end - start;
-        double available = length3D;
-        double base = end;
-
-        if (i == index && !clamped) {
-            // Only the part before the reference counts.
-            available = 0.0;
-            if (len2D > ZeroLength) {
-                if (element.Curved) {
-                    if (!elements->GetCurvedDef(i, &curve) ||
-                        !get3DLengthForCurve(curve, start, referenceStation, curveLength)) {
-                        return false;
-                    }
-                    available = curveLength.Double();
-                } else {
-                    available = std::fabs(referenceStation - start) / len2D * length3D;
-                }
-            }
-            base = referenceStation;
-        }
-
-        if (rest <= available) {
-            double d = 0.0;
-            if (!(length3D > ZeroLength)) {
-                d = 0.0;
-            } else if (!element.Curved) {
-                d = rest / length3D * len2D;
-            } else {
-                if (!elements->GetCurvedDef(i, &curve)) {
-                    return false;
-                }
-                // Fixed-point steps from base - rest, held to the start.
-                double s = base - rest;
-                if (s < start) {
-                    s = start;
-                }
-                if (!FindStationOnCurve(&get3DLengthForCurve, curve, false, base, rest, s, curveLength, d)) {
-                    return false;
-                }
-            }
-            station = base - d;
-            return true;
-        }
-        rest -= available;
-    }
+    return WalkMap(elements, &get3DLengthForCurve, dir > 0, index, clamped, referenceStation, rest, station);
 }
 
 }  // namespace zelmath

@@ -15,24 +15,24 @@ namespace zeltest {
 using zelmath::CACoordinate;
 using zelmath::CAxisPointSpec;
 
-constexpr double Pi = 3.14159265358979323846;
+using zellib::CAPi;
 
 // Smallest difference of two directions, in [0, pi].
 inline double AngleGap(double a, double b)
 {
-    double d = std::fmod(std::fabs(a - b), 2.0 * Pi);
-    return d > Pi ? 2.0 * Pi - d : d;
+    double d = std::fmod(std::fabs(a - b), 2.0 * CAPi);
+    return d > CAPi ? 2.0 * CAPi - d : d;
 }
 
 // Difference a - b of two directions brought into (-pi, pi].
 inline double AngleDiff(double a, double b)
 {
-    double d = std::fmod(a - b, 2.0 * Pi);
-    if (d > Pi) {
-        d -= 2.0 * Pi;
+    double d = std::fmod(a - b, 2.0 * CAPi);
+    if (d > CAPi) {
+        d -= 2.0 * CAPi;
     }
-    if (d <= -Pi) {
-        d += 2.0 * Pi;
+    if (d <= -CAPi) {
+        d += 2.0 * CAPi;
     }
     return d;
 }
@@ -47,8 +47,8 @@ inline CACoordinate Polar(CACoordinate const& c, double r, double az)
 // the left of it.
 inline CACoordinate Place(CACoordinate const& p, double az, double along, double left)
 {
-    double const e = p.East().Double() + along * std::sin(az) + left * std::sin(az - Pi / 2.0);
-    double const n = p.North().Double() + along * std::cos(az) + left * std::cos(az - Pi / 2.0);
+    double const e = p.East().Double() + along * std::sin(az) + left * std::sin(az - CAPi / 2.0);
+    double const n = p.North().Double() + along * std::cos(az) + left * std::cos(az - CAPi / 2.0);
     return CACoordinate(e, n);
 }
 

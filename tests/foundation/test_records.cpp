@@ -75,7 +75,7 @@ TEST(CAxisComplexSpec, IsPolymorphicWithFieldsInOrder)
 TEST(CAxisComplexSpec, DefaultIsUnclassified)
 {
     CAxisComplexSpec e;
-    EXPECT_EQ(e.ComplexType, -1);
+    EXPECT_EQ(e.ComplexType, TComplexType::NotClassified);
     EXPECT_EQ(e.ComplexType, CAxisComplexSpec::NotClassified);
     EXPECT_EQ(e.Parameter.Double(), 0.0);
 }
@@ -88,16 +88,16 @@ TEST(CAxisComplexSpec, CopyOfUnsetTypeThenClassified)
     CAxisComplexSpec copy(unset);
     EXPECT_EQ(copy.ComplexType, unset.ComplexType);  // unset copied as it is
     CAxisComplexSpec assigned;
-    assigned.ComplexType = 2;
+    assigned.ComplexType = TComplexType::CurveIntoTighterCurve;
     assigned = unset;
     EXPECT_EQ(assigned.ComplexType, unset.ComplexType);
 
     CMathComplexShape::GetComplextype(&copy);
-    EXPECT_GE(copy.ComplexType, 0);
-    EXPECT_LE(copy.ComplexType, 3);
-    EXPECT_EQ(copy.ComplexType, 0);
+    EXPECT_GE(copy.ComplexType, TComplexType::StraightIntoCurve);
+    EXPECT_LE(copy.ComplexType, TComplexType::CurveIntoWiderCurve);
+    EXPECT_EQ(copy.ComplexType, TComplexType::StraightIntoCurve);
     CAxisComplexSpec again(copy);
-    EXPECT_EQ(again.ComplexType, 0);
+    EXPECT_EQ(again.ComplexType, TComplexType::StraightIntoCurve);
 }
 
 TEST(CAxisComplexSpec, CopyCarriesEveryField)
@@ -106,13 +106,13 @@ TEST(CAxisComplexSpec, CopyCarriesEveryField)
     e.Parameter = 250.0;
     e.Start = MakePoint(100.0, 0.5, 0.0, 10.0, 20.0);
     e.End = MakePoint(180.0, 0.7, 500.0, 30.0, 90.0);
-    e.ComplexType = 0;
+    e.ComplexType = TComplexType::StraightIntoCurve;
     CAxisComplexSpec c;
     c = e;
     EXPECT_EQ(c.Parameter.Double(), 250.0);
     ExpectSamePoint(c.Start, e.Start);
     ExpectSamePoint(c.End, e.End);
-    EXPECT_EQ(c.ComplexType, 0);
+    EXPECT_EQ(c.ComplexType, TComplexType::StraightIntoCurve);
 }
 
 TEST(CAxisComplexSpec, DestroyedThroughABasePointer)
@@ -128,7 +128,7 @@ TEST(CAxisComplexSpec, DestroyedThroughABasePointer)
     EXPECT_TRUE(destroyed);
     // Arrays of records are plain values.
     std::unique_ptr<CAxisComplexSpec[]> many(new CAxisComplexSpec[4]);
-    EXPECT_EQ(many[3].ComplexType, -1);
+    EXPECT_EQ(many[3].ComplexType, TComplexType::NotClassified);
 }
 
 TEST(ResultCodes, FixedNumbers)

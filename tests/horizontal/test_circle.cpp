@@ -17,7 +17,7 @@ using zelmath::TPointMathResult;
 
 namespace {
 
-constexpr double kPi = zeltest::Pi;
+using zellib::CAPi;
 
 using zeltest::AngleGap;
 using zeltest::Polar;
@@ -81,7 +81,7 @@ TEST(CircleCenter, EquidistantFromBothEnds)
     std::uniform_real_distribution<double> unit(0.0, 1.0);
     for (int i = 0; i < 1000; ++i) {
         CACoordinate const P1(2600000.0 + 1000.0 * unit(rng), 1200000.0 + 1000.0 * unit(rng));
-        double const chordAz = 2.0 * kPi * unit(rng);
+        double const chordAz = 2.0 * CAPi * unit(rng);
         double const chord = 1.0 + 300.0 * unit(rng);
         CACoordinate const P2 = Polar(P1, chord, chordAz);
         double const R = (unit(rng) < 0.5 ? -1.0 : 1.0) * (chord / 2.0 + 1.0 + 3000.0 * unit(rng));
@@ -105,8 +105,8 @@ TEST(CircleKleinpunkt, StationZeroIsTheStartWithTangent)
     CMathCircle::Kleinpunkt(P1, P2, CALength(13.0), CALength(0.0), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), 0.0, 1e-14);
     EXPECT_NEAR(out.Coordinate.North().Double(), 0.0, 1e-14);
-    double const azS = kPi + std::atan2(12.0, 5.0);
-    EXPECT_NEAR(out.Azimuth.Double(), azS + kPi / 2.0, 1e-14);
+    double const azS = CAPi + std::atan2(12.0, 5.0);
+    EXPECT_NEAR(out.Azimuth.Double(), azS + CAPi / 2.0, 1e-14);
     EXPECT_EQ(out.Radius.Double(), 13.0);
     EXPECT_EQ(out.Station.Double(), 111.0);
 
@@ -115,7 +115,7 @@ TEST(CircleKleinpunkt, StationZeroIsTheStartWithTangent)
     CMathCircle::Kleinpunkt(P1, P2, CALength(-13.0), CALength(0.0), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), 0.0, 1e-14);
     EXPECT_NEAR(out.Coordinate.North().Double(), 0.0, 1e-14);
-    EXPECT_NEAR(out.Azimuth.Double(), kPi - std::atan2(12.0, 5.0) - kPi / 2.0, 1e-14);
+    EXPECT_NEAR(out.Azimuth.Double(), CAPi - std::atan2(12.0, 5.0) - CAPi / 2.0, 1e-14);
     EXPECT_EQ(out.Radius.Double(), -13.0);
     EXPECT_EQ(out.Station.Double(), 111.0);
 }
@@ -126,17 +126,17 @@ TEST(CircleKleinpunkt, HalfCircleBothSenses)
     CACoordinate const P2(0.0, 10.0);
     CAxisPointSpec out;
     // Right-turning, centre (0, 5): leaves heading West, a quarter on it is (-5, 5) heading North.
-    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(5.0 * kPi / 2.0), &out);
+    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(5.0 * CAPi / 2.0), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), -5.0, 1e-13);
     EXPECT_NEAR(out.Coordinate.North().Double(), 5.0, 1e-13);
     EXPECT_NEAR(AngleGap(out.Azimuth.Double(), 0.0), 0.0, 1e-13);
-    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(5.0 * kPi), &out);
+    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(5.0 * CAPi), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), 0.0, 1e-13);
     EXPECT_NEAR(out.Coordinate.North().Double(), 10.0, 1e-13);
-    EXPECT_NEAR(out.Azimuth.Double(), kPi / 2.0, 1e-13);
+    EXPECT_NEAR(out.Azimuth.Double(), CAPi / 2.0, 1e-13);
 
     // Left-turning: leaves heading East, a quarter on it is (5, 5) heading North.
-    CMathCircle::Kleinpunkt(P1, P2, CALength(-5.0), CALength(5.0 * kPi / 2.0), &out);
+    CMathCircle::Kleinpunkt(P1, P2, CALength(-5.0), CALength(5.0 * CAPi / 2.0), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), 5.0, 1e-13);
     EXPECT_NEAR(out.Coordinate.North().Double(), 5.0, 1e-13);
     EXPECT_NEAR(AngleGap(out.Azimuth.Double(), 0.0), 0.0, 1e-13);
@@ -149,15 +149,15 @@ TEST(CircleKleinpunkt, StationsBeyondTheArcContinueOnTheCircle)
     CACoordinate const P2(0.0, 10.0);
     CAxisPointSpec out;
     // Three quarters round a right-turning half circle: (5, 5), heading South.
-    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(7.5 * kPi), &out);
+    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(7.5 * CAPi), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), 5.0, 1e-12);
     EXPECT_NEAR(out.Coordinate.North().Double(), 5.0, 1e-12);
-    EXPECT_NEAR(out.Azimuth.Double(), kPi, 1e-12);
+    EXPECT_NEAR(out.Azimuth.Double(), CAPi, 1e-12);
     // The full circle comes back to the start; a negative station runs backwards.
-    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(10.0 * kPi), &out);
+    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(10.0 * CAPi), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), 0.0, 1e-12);
     EXPECT_NEAR(out.Coordinate.North().Double(), 0.0, 1e-12);
-    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(-2.5 * kPi), &out);
+    CMathCircle::Kleinpunkt(P1, P2, CALength(5.0), CALength(-2.5 * CAPi), &out);
     EXPECT_NEAR(out.Coordinate.East().Double(), 5.0, 1e-12);
     EXPECT_NEAR(out.Coordinate.North().Double(), 5.0, 1e-12);
 }
@@ -172,7 +172,7 @@ TEST(CircleKleinpunkt, ZeroRadius)
     EXPECT_EQ(out.Coordinate.North().Double(), 4.0);
     EXPECT_EQ(out.Radius.Double(), 0.0);
     // The zero vector has azimuth 0; a radius of 0 is not below 0, so + pi/2.
-    EXPECT_EQ(out.Azimuth.Double(), kPi / 2.0);
+    EXPECT_EQ(out.Azimuth.Double(), CAPi / 2.0);
 
     // Distinct ends: the centre takes the root of a negative number.
     CMathCircle::Kleinpunkt(CACoordinate(0.0, 0.0), CACoordinate(3.0, 4.0), CALength(0.0), CALength(1.0), &out);
@@ -189,11 +189,11 @@ TEST(CircleKleinpunkt, RadiusWithinTheToleranceOfZeroTurnsRight)
     CMathCircle::Kleinpunkt(CACoordinate(3.0, 4.0), CACoordinate(3.0, 4.0), CALength(-5e-11), CALength(1.0), &out);
     EXPECT_EQ(out.Coordinate.East().Double(), 3.0);
     EXPECT_EQ(out.Coordinate.North().Double(), 4.0);
-    EXPECT_EQ(out.Azimuth.Double(), kPi / 2.0);
+    EXPECT_EQ(out.Azimuth.Double(), CAPi / 2.0);
     EXPECT_EQ(out.Radius.Double(), -5e-11);
     // -2e-10 is below 0: minus pi/2.
     CMathCircle::Kleinpunkt(CACoordinate(3.0, 4.0), CACoordinate(3.0, 4.0), CALength(-2e-10), CALength(1.0), &out);
-    EXPECT_NEAR(out.Azimuth.Double(), 3.0 * kPi / 2.0, 1e-15);
+    EXPECT_NEAR(out.Azimuth.Double(), 3.0 * CAPi / 2.0, 1e-15);
 }
 
 // A quarter circle of radius 10 about the origin that crosses North: right-turning
@@ -202,7 +202,7 @@ class QuarterArc : public ::testing::Test {
 protected:
     CACoordinate const West{-10.0, 0.0};
     CACoordinate const North{0.0, 10.0};
-    double const arcLength = 5.0 * kPi;
+    double const arcLength = 5.0 * CAPi;
 };
 
 TEST_F(QuarterArc, CentreAndLength)
@@ -237,14 +237,14 @@ TEST_F(QuarterArc, RightTurningLotBeyondTheEndReportsTheArcLength)
     EXPECT_EQ(out.Coordinate.East().Double(), 0.0);
     EXPECT_EQ(out.Coordinate.North().Double(), 10.0);
     EXPECT_NEAR(out.Station.Double(), arcLength, 1e-13);
-    EXPECT_NEAR(out.Azimuth.Double(), kPi / 2.0, 1e-14);
+    EXPECT_NEAR(out.Azimuth.Double(), CAPi / 2.0, 1e-14);
     EXPECT_EQ(out.Radius.Double(), 10.0);
 }
 
 TEST_F(QuarterArc, RightTurningLotOnTheArc)
 {
     // (-6, 8) is on the circle, 0.9273 rad clockwise from the start's azimuth.
-    double const sweep = kPi / 2.0 - std::atan2(6.0, 8.0);
+    double const sweep = CAPi / 2.0 - std::atan2(6.0, 8.0);
     for (CACoordinate const P : {CACoordinate(-6.0, 8.0), CACoordinate(-3.0, 4.0), CACoordinate(-12.0, 16.0)}) {
         CAxisPointSpec out = Prefilled();
         EXPECT_EQ(CMathCircle::Lot(West, North, CALength(10.0), P, &out), TPointMathResult::OnElement);
@@ -252,7 +252,7 @@ TEST_F(QuarterArc, RightTurningLotOnTheArc)
         EXPECT_NEAR(out.Coordinate.North().Double(), 8.0, 1e-13);
         EXPECT_NEAR(out.Station.Double(), 10.0 * sweep, 1e-12);
         // Tangent of a right-turning arc: the azimuth from the centre plus 90 deg.
-        EXPECT_NEAR(out.Azimuth.Double(), 2.0 * kPi - std::atan2(6.0, 8.0) + kPi / 2.0 - 2.0 * kPi, 1e-13);
+        EXPECT_NEAR(out.Azimuth.Double(), 2.0 * CAPi - std::atan2(6.0, 8.0) + CAPi / 2.0 - 2.0 * CAPi, 1e-13);
         EXPECT_EQ(out.Radius.Double(), 10.0);
     }
 }
@@ -266,7 +266,7 @@ TEST_F(QuarterArc, LeftTurningLotBehindTheStart)
     EXPECT_EQ(out.Coordinate.East().Double(), 0.0);
     EXPECT_EQ(out.Coordinate.North().Double(), 10.0);
     EXPECT_EQ(out.Station.Double(), 0.0);
-    EXPECT_NEAR(out.Azimuth.Double(), 3.0 * kPi / 2.0, 1e-14);
+    EXPECT_NEAR(out.Azimuth.Double(), 3.0 * CAPi / 2.0, 1e-14);
     EXPECT_EQ(out.Radius.Double(), -10.0);
 }
 
@@ -280,7 +280,7 @@ TEST_F(QuarterArc, LeftTurningLotBeyondTheEndReportsTheDefaultLength)
     // Not the arc length 5 pi: the default length.
     EXPECT_EQ(out.Station.Double(), CALength().Double());
     EXPECT_EQ(out.Station.Double(), 0.0);
-    EXPECT_NEAR(out.Azimuth.Double(), kPi, 1e-14);
+    EXPECT_NEAR(out.Azimuth.Double(), CAPi, 1e-14);
     EXPECT_EQ(out.Radius.Double(), -10.0);
 }
 
@@ -294,7 +294,7 @@ TEST_F(QuarterArc, LeftTurningLotOnTheArc)
     EXPECT_NEAR(out.Coordinate.East().Double(), -6.0, 1e-13);
     EXPECT_NEAR(out.Coordinate.North().Double(), 8.0, 1e-13);
     EXPECT_NEAR(out.Station.Double(), 10.0 * sweep, 1e-12);
-    EXPECT_NEAR(out.Azimuth.Double(), 2.0 * kPi - sweep - kPi / 2.0, 1e-13);
+    EXPECT_NEAR(out.Azimuth.Double(), 2.0 * CAPi - sweep - CAPi / 2.0, 1e-13);
 }
 
 TEST_F(QuarterArc, EndNormalsUseTheValueComparison)
@@ -318,7 +318,7 @@ TEST_F(QuarterArc, EndNormalsUseTheValueComparison)
     double const past = std::atan2(5e-11, 12.0);
     EXPECT_EQ(CMathCircle::Lot(West, North, CALength(10.0), CACoordinate(5e-11, 12.0), &out),
               TPointMathResult::OnElement);
-    EXPECT_NEAR(out.Station.Double(), arcLength - 10.0 * (2.0 * kPi - past), 1e-9);
+    EXPECT_NEAR(out.Station.Double(), arcLength - 10.0 * (2.0 * CAPi - past), 1e-9);
     EXPECT_NEAR(out.Coordinate.East().Double(), 0.0, 1e-9);
     EXPECT_NEAR(out.Coordinate.North().Double(), 10.0, 1e-12);
     EXPECT_EQ(CMathCircle::Lot(West, North, CALength(10.0), CACoordinate(2e-10, 12.0), &out),
@@ -328,7 +328,7 @@ TEST_F(QuarterArc, EndNormalsUseTheValueComparison)
     // almost 2 pi.
     EXPECT_EQ(CMathCircle::Lot(North, West, CALength(-10.0), CACoordinate(5e-11, 12.0), &out),
               TPointMathResult::OnElement);
-    EXPECT_NEAR(out.Station.Double(), 10.0 * (2.0 * kPi - past), 1e-9);
+    EXPECT_NEAR(out.Station.Double(), 10.0 * (2.0 * CAPi - past), 1e-9);
     EXPECT_EQ(CMathCircle::Lot(North, West, CALength(-10.0), CACoordinate(2e-10, 12.0), &out),
               TPointMathResult::BeforeStart);
     EXPECT_EQ(CMathCircle::Lot(North, West, CALength(-10.0), CACoordinate(-12.0, -5e-11), &out),
@@ -368,9 +368,9 @@ RandomArc MakeArc(std::mt19937_64& rng, bool survey, bool nearNorth, double maxS
     // Start azimuths just below 2 pi make right-turning arcs cross North;
     // just above 0 make left-turning ones cross it.
     if (nearNorth) {
-        a.startAz = a.radius > 0.0 ? 2.0 * kPi - 0.3 * unit(rng) : 0.3 * unit(rng);
+        a.startAz = a.radius > 0.0 ? 2.0 * CAPi - 0.3 * unit(rng) : 0.3 * unit(rng);
     } else {
-        a.startAz = 2.0 * kPi * unit(rng);
+        a.startAz = 2.0 * CAPi * unit(rng);
     }
     a.sweep = 0.01 + (maxSweep - 0.01) * unit(rng);
     double const endAz = a.radius > 0.0 ? a.startAz + a.sweep : a.startAz - a.sweep;
@@ -400,7 +400,8 @@ TEST(CircleProperties, KleinpunktThenLotGivesTheStationBack)
         CACoordinate const expected = Polar(a.centre, absR, az);
         ASSERT_NEAR(point.Coordinate.East().Double(), expected.East().Double(), tol) << i;
         ASSERT_NEAR(point.Coordinate.North().Double(), expected.North().Double(), tol) << i;
-        EXPECT_NEAR(AngleGap(point.Azimuth.Double(), a.radius > 0.0 ? az + kPi / 2.0 : az - kPi / 2.0), 0.0, 1e-9);
+        EXPECT_NEAR(AngleGap(point.Azimuth.Double(), a.radius > 0.0 ? az + CAPi / 2.0 : az - CAPi / 2.0), 0.0,
+                    1e-9);
         EXPECT_EQ(point.Radius.Double(), a.radius);
 
         // Moved along the radius (inside or outside), the point projects back.

@@ -17,7 +17,7 @@ using zelmath::TIntersectionResult;
 
 namespace {
 
-constexpr double kPi = zeltest::Pi;
+using zellib::CAPi;
 
 using zeltest::AngleGap;
 using zeltest::DistanceFromLine;
@@ -351,15 +351,17 @@ TEST(CircleIntLineSegmentCircleSegment, SegmentEnds)
 TEST(CircleLength, ArcLengths)
 {
     // A quarter across North, either sense.
-    EXPECT_NEAR(CMathCircle::Length(CACoordinate(-10.0, 0.0), CACoordinate(0.0, 10.0), CALength(10.0)).Double(),
-                5.0 * kPi, 1e-13);
-    EXPECT_NEAR(CMathCircle::Length(CACoordinate(0.0, 10.0), CACoordinate(-10.0, 0.0), CALength(-10.0)).Double(),
-                5.0 * kPi, 1e-13);
+    EXPECT_NEAR(
+        CMathCircle::Length(CACoordinate(-10.0, 0.0), CACoordinate(0.0, 10.0), CALength(10.0)).Double(),
+        5.0 * CAPi, 1e-13);
+    EXPECT_NEAR(
+        CMathCircle::Length(CACoordinate(0.0, 10.0), CACoordinate(-10.0, 0.0), CALength(-10.0)).Double(),
+        5.0 * CAPi, 1e-13);
     // Half circles.
     EXPECT_NEAR(CMathCircle::Length(CACoordinate(0.0, 0.0), CACoordinate(0.0, 10.0), CALength(5.0)).Double(),
-                5.0 * kPi, 1e-13);
+                5.0 * CAPi, 1e-13);
     EXPECT_NEAR(CMathCircle::Length(CACoordinate(0.0, 0.0), CACoordinate(0.0, 10.0), CALength(-5.0)).Double(),
-                5.0 * kPi, 1e-13);
+                5.0 * CAPi, 1e-13);
     // Chord 10 on radius 13: central angle 2 asin(5/13).
     EXPECT_NEAR(CMathCircle::Length(CACoordinate(0.0, 0.0), CACoordinate(0.0, 10.0), CALength(13.0)).Double(),
                 13.0 * 2.0 * std::asin(5.0 / 13.0), 1e-12);
@@ -382,17 +384,18 @@ TEST(CirclePointDeroleLR, ArcPositionFromNorth)
 {
     CACoordinate const M(100.0, 200.0);
     // Due South: pi * r, and the boundary stays positive.
-    EXPECT_EQ(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(100.0, 193.0)), kPi * 2.0);
-    EXPECT_EQ(CMathCircle::PointDeroleLR(M, CALength(-2.0), CACoordinate(100.0, 193.0)), -kPi * 2.0);
+    EXPECT_EQ(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(100.0, 193.0)), CAPi * 2.0);
+    EXPECT_EQ(CMathCircle::PointDeroleLR(M, CALength(-2.0), CACoordinate(100.0, 193.0)), -CAPi * 2.0);
     // East, West and North.
-    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(103.0, 200.0)), kPi, 1e-15);
-    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(97.0, 200.0)), -kPi, 1e-15);
+    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(103.0, 200.0)), CAPi, 1e-15);
+    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(97.0, 200.0)), -CAPi, 1e-15);
     EXPECT_EQ(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(100.0, 250.0)), 0.0);
     // A hair West of South counts from the other side.
     EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(100.0 - 1e-3, 193.0)),
-                -2.0 * (kPi - std::atan2(1e-3, 7.0)), 1e-12);
+                -2.0 * (CAPi - std::atan2(1e-3, 7.0)), 1e-12);
     // North-East.
-    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(10.0), CACoordinate(101.0, 201.0)), 10.0 * kPi / 4.0, 1e-13);
+    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(10.0), CACoordinate(101.0, 201.0)), 10.0 * CAPi / 4.0,
+                1e-13);
 }
 
 TEST(CirclePointDeroleLR, SouthBoundaryUsesTheValueComparison)
@@ -400,9 +403,9 @@ TEST(CirclePointDeroleLR, SouthBoundaryUsesTheValueComparison)
     // Azimuth pi + 5e-11 (5e-10 m West of due South at 10 m) is not greater
     // than pi by more than the comparison tolerance: the position stays positive.
     CACoordinate const M(0.0, 0.0);
-    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(-5e-10, -10.0)), 2.0 * kPi, 1e-9);
+    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(-5e-10, -10.0)), 2.0 * CAPi, 1e-9);
     // Azimuth pi + 1e-9 counts from the other side.
-    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(-1e-8, -10.0)), -2.0 * kPi, 1e-8);
+    EXPECT_NEAR(CMathCircle::PointDeroleLR(M, CALength(2.0), CACoordinate(-1e-8, -10.0)), -2.0 * CAPi, 1e-8);
 
     // The same boundary for the circle point reached along a line: from
     // (-5e-10, -20) northwards the circle of radius 10 is first reached at
@@ -411,7 +414,7 @@ TEST(CirclePointDeroleLR, SouthBoundaryUsesTheValueComparison)
     EXPECT_NEAR(CMathCircle::DirectedDeroleDistance(M, CALength(10.0), CACoordinate(-5e-10, -20.0),
                                                     CACoordinate(-5e-10, 0.0), position),
                 10.0, 1e-12);
-    EXPECT_NEAR(position, 10.0 * kPi, 1e-8);
+    EXPECT_NEAR(position, 10.0 * CAPi, 1e-8);
 }
 
 TEST(CircleDirectedDeroleDistance, FromOutsideAndInside)
@@ -422,7 +425,7 @@ TEST(CircleDirectedDeroleDistance, FromOutsideAndInside)
     EXPECT_NEAR(CMathCircle::DirectedDeroleDistance(M, CALength(5.0), CACoordinate(0.0, -10.0),
                                                     CACoordinate(0.0, 0.0), position),
                 5.0, 1e-13);
-    EXPECT_NEAR(position, kPi * 5.0, 1e-13);
+    EXPECT_NEAR(position, CAPi * 5.0, 1e-13);
 
     // From inside, (0, 1) northwards: the nearer circle point is (0, 5), 4 m ahead, negative.
     position = 99.0;
@@ -437,8 +440,7 @@ TEST(CircleDirectedDeroleDistance, FromOutsideAndInside)
     EXPECT_NEAR(CMathCircle::DirectedDeroleDistance(M, CALength(5.0), CACoordinate(3.0, 0.0), CACoordinate(3.0, 1.0),
                                                     position),
                 -4.0, 1e-13);
-    EXPECT_NEAR(position, 5.0 * (kPi - std::atan2(3.0, 4.0)), 1e-12);
-
+    EXPECT_NEAR(position, 5.0 * (CAPi - std::atan2(3.0, 4.0)), 1e-12);
 }
 
 TEST(CircleDirectedDeroleDistance, NearTieGoesToTheSecondPoint)
@@ -450,7 +452,7 @@ TEST(CircleDirectedDeroleDistance, NearTieGoesToTheSecondPoint)
     double const d = CMathCircle::DirectedDeroleDistance(CACoordinate(0.0, 0.0), CALength(5.0),
                                                          CACoordinate(3.0, 2e-11), CACoordinate(3.0, 1.0), position);
     EXPECT_NEAR(d, -(4.0 + 2e-11), 1e-14);
-    EXPECT_NEAR(position, 5.0 * (kPi - std::atan2(3.0, 4.0)), 1e-12);
+    EXPECT_NEAR(position, 5.0 * (CAPi - std::atan2(3.0, 4.0)), 1e-12);
     // With the point 1e-9 m North the first is nearer.
     double const d2 = CMathCircle::DirectedDeroleDistance(CACoordinate(0.0, 0.0), CALength(5.0),
                                                           CACoordinate(3.0, 1e-9), CACoordinate(3.0, 1.0), position);
@@ -467,7 +469,7 @@ TEST(CircleDirectedDeroleDistance, SideTakenFromThePlainSign)
         CACoordinate(0.0, 0.0), CALength(5.0), CACoordinate(0.0, -5.0 + 5e-11), CACoordinate(0.0, 0.0), position);
     EXPECT_LT(inside, 0.0);
     EXPECT_NEAR(inside, -5e-11, 1e-15);
-    EXPECT_NEAR(position, 5.0 * kPi, 1e-12);
+    EXPECT_NEAR(position, 5.0 * CAPi, 1e-12);
     // On the circle itself the difference is 0, which counts as outside.
     double const on = CMathCircle::DirectedDeroleDistance(CACoordinate(0.0, 0.0), CALength(5.0),
                                                           CACoordinate(0.0, -5.0), CACoordinate(0.0, 0.0), position);
@@ -483,7 +485,7 @@ TEST(CircleDirectedDeroleDistance, NegativeRadiusDistance)
                                                          CACoordinate(0.0, 0.0), position);
     EXPECT_NEAR(d, 5.0, 1e-13);
     // The nearer point (-5, 0): azimuth 3pi/2, i.e. -pi/2 from North, times -5.
-    EXPECT_NEAR(position, 5.0 * kPi / 2.0, 1e-13);
+    EXPECT_NEAR(position, 5.0 * CAPi / 2.0, 1e-13);
 }
 
 TEST(CircleDirectedDeroleDistance, MissingLine)
@@ -512,20 +514,20 @@ TEST(CircleEndPointAndEndAzi, QuarterCircles)
     CAAzimuth Ae(3.0);
     // Heading North from the origin, a right-turning quarter of radius 10 ends
     // at (10, 10) heading East.
-    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(5.0 * kPi),
+    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(5.0 * CAPi),
                                                CALength(10.0), E, Ae));
     ExpectPoint(E, 10.0, 10.0, 1e-12);
-    EXPECT_NEAR(Ae.Double(), kPi / 2.0, 1e-13);
+    EXPECT_NEAR(Ae.Double(), CAPi / 2.0, 1e-13);
     // Left-turning: (-10, 10) heading West.
-    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(5.0 * kPi),
+    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(5.0 * CAPi),
                                                CALength(-10.0), E, Ae));
     ExpectPoint(E, -10.0, 10.0, 1e-12);
-    EXPECT_NEAR(Ae.Double(), 3.0 * kPi / 2.0, 1e-13);
+    EXPECT_NEAR(Ae.Double(), 3.0 * CAPi / 2.0, 1e-13);
     // Heading East, a right-turning half circle of radius 3 ends 6 m South, heading West.
-    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(5.0, 5.0), CAAzimuth(kPi / 2.0), CALength(3.0 * kPi),
-                                               CALength(3.0), E, Ae));
+    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(5.0, 5.0), CAAzimuth(CAPi / 2.0),
+                                               CALength(3.0 * CAPi), CALength(3.0), E, Ae));
     ExpectPoint(E, 5.0, -1.0, 1e-12);
-    EXPECT_NEAR(Ae.Double(), 3.0 * kPi / 2.0, 1e-13);
+    EXPECT_NEAR(Ae.Double(), 3.0 * CAPi / 2.0, 1e-13);
 }
 
 TEST(CircleEndPointAndEndAzi, FullCircleIsAcceptedLongerRefused)
@@ -534,13 +536,14 @@ TEST(CircleEndPointAndEndAzi, FullCircleIsAcceptedLongerRefused)
     CAAzimuth const A(0.7);
     CACoordinate E;
     CAAzimuth Ae;
-    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(S, A, CALength(2.0 * kPi * 25.0), CALength(-25.0), E, Ae));
+    ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(S, A, CALength(2.0 * CAPi * 25.0), CALength(-25.0), E, Ae));
     ExpectPoint(E, S.East().Double(), S.North().Double(), 1e-8);
     EXPECT_NEAR(AngleGap(Ae.Double(), 0.7), 0.0, 1e-10);
 
     E = CACoordinate(1.0, 2.0);
     Ae = CAAzimuth(3.0);
-    EXPECT_FALSE(CMathCircle::EndPointAndEndAzi(S, A, CALength(2.0 * kPi * 25.0 + 1e-6), CALength(25.0), E, Ae));
+    EXPECT_FALSE(
+        CMathCircle::EndPointAndEndAzi(S, A, CALength(2.0 * CAPi * 25.0 + 1e-6), CALength(25.0), E, Ae));
     EXPECT_EQ(E.East().Double(), S.East().Double());
     EXPECT_EQ(E.North().Double(), S.North().Double());
     EXPECT_EQ(Ae.Double(), 0.7);
@@ -558,7 +561,7 @@ TEST(CircleEndPointAndEndAzi, FullCircleTestUsesTheValueComparison)
     // tolerance is still accepted (and comes back to the start); by more, refused.
     CACoordinate E;
     CAAzimuth Ae;
-    double const full = 2.0 * kPi * 25.0;
+    double const full = 2.0 * CAPi * 25.0;
     EXPECT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(full + 5e-11),
                                                CALength(25.0), E, Ae));
     ExpectPoint(E, 0.0, 0.0, 1e-9);
@@ -593,11 +596,11 @@ TEST(CircleEndPointAndEndAzi, RadiusWithinTheToleranceOfZeroTakesTheRightHandTan
     CAAzimuth Ae;
     ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(1e-10),
                                                CALength(-5e-11), E, Ae));
-    EXPECT_NEAR(Ae.Double(), kPi - 2.0, 1e-9);
+    EXPECT_NEAR(Ae.Double(), CAPi - 2.0, 1e-9);
     // At r = -2e-10 (L = 4e-10, the same turn) it is minus pi/2: 2 pi - 2.
     ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CALength(4e-10),
                                                CALength(-2e-10), E, Ae));
-    EXPECT_NEAR(Ae.Double(), 2.0 * kPi - 2.0, 1e-9);
+    EXPECT_NEAR(Ae.Double(), 2.0 * CAPi - 2.0, 1e-9);
 }
 
 TEST(CircleProperties, EndPointAgreesWithKleinpunkt)
@@ -613,12 +616,12 @@ TEST(CircleProperties, EndPointAgreesWithKleinpunkt)
         if (i % 3 == 0) {
             // Start azimuth from the centre just below 2pi (right-turning) or
             // just above 0 (left-turning): the arc crosses North.
-            a = r > 0.0 ? kPi / 2.0 - 0.2 * unit(rng) : 3.0 * kPi / 2.0 + 0.2 * unit(rng);
+            a = r > 0.0 ? CAPi / 2.0 - 0.2 * unit(rng) : 3.0 * CAPi / 2.0 + 0.2 * unit(rng);
         } else {
-            a = 2.0 * kPi * unit(rng);
+            a = 2.0 * CAPi * unit(rng);
         }
         // Below a half circle, where the chord's centre is the arc's centre.
-        double const L = std::fabs(r) * kPi * (0.001 + 0.95 * unit(rng));
+        double const L = std::fabs(r) * CAPi * (0.001 + 0.95 * unit(rng));
         double const tol = survey ? 1e-6 : 1e-9;
 
         CACoordinate E;
@@ -626,7 +629,7 @@ TEST(CircleProperties, EndPointAgreesWithKleinpunkt)
         ASSERT_TRUE(CMathCircle::EndPointAndEndAzi(S, CAAzimuth(a), CALength(L), CALength(r), E, Ae));
 
         // Independently: centre to the right (r > 0) or left of the start direction.
-        CACoordinate const M = Polar(S, r, a + kPi / 2.0);
+        CACoordinate const M = Polar(S, r, a + CAPi / 2.0);
         double const startAz = std::atan2((S.East() - M.East()).Double(), (S.North() - M.North()).Double());
         double const endAz = r > 0.0 ? startAz + L / std::fabs(r) : startAz - L / std::fabs(r);
         CACoordinate const expected = Polar(M, std::fabs(r), endAz);
@@ -687,8 +690,8 @@ int TextbookIntersections(CACoordinate const& A, CACoordinate const& B, CACoordi
 double AlongArc(double startAz, double az, double r)
 {
     double d = r > 0.0 ? az - startAz : startAz - az;
-    d = std::fmod(d, 2.0 * kPi);
-    return d < 0.0 ? d + 2.0 * kPi : d;
+    d = std::fmod(d, 2.0 * CAPi);
+    return d < 0.0 ? d + 2.0 * CAPi : d;
 }
 
 }  // namespace
@@ -706,8 +709,8 @@ TEST(CircleProperties, IntersectionsLieOnBothFigures)
         double const absR = 5.0 + 1000.0 * unit(rng);
         double const r = (unit(rng) < 0.5 ? -1.0 : 1.0) * absR;
         // An arc of the circle, crossing North in a third of the cases.
-        double const startAz = (i % 3 == 0) ? (r > 0.0 ? 2.0 * kPi - 0.5 * unit(rng) : 0.5 * unit(rng))
-                                            : 2.0 * kPi * unit(rng);
+        double const startAz = (i % 3 == 0) ? (r > 0.0 ? 2.0 * CAPi - 0.5 * unit(rng) : 0.5 * unit(rng))
+                                            : 2.0 * CAPi * unit(rng);
         double const sweep = 0.05 + 3.0 * unit(rng);
         CACoordinate const C1 = Polar(M, absR, startAz);
         CACoordinate const C2 = Polar(M, absR, r > 0.0 ? startAz + sweep : startAz - sweep);
@@ -715,8 +718,8 @@ TEST(CircleProperties, IntersectionsLieOnBothFigures)
         CACoordinate B;
         if (i % 4 < 2) {
             // A line through a point near the circle.
-            A = Polar(M, 2.0 * absR * unit(rng), 2.0 * kPi * unit(rng));
-            B = Polar(A, 1.0 + 4.0 * absR * unit(rng), 2.0 * kPi * unit(rng));
+            A = Polar(M, 2.0 * absR * unit(rng), 2.0 * CAPi * unit(rng));
+            B = Polar(A, 1.0 + 4.0 * absR * unit(rng), 2.0 * CAPi * unit(rng));
         } else {
             // A chord between two points of the arc, its ends moved outwards
             // or inwards along it.
@@ -762,7 +765,7 @@ TEST(CircleProperties, IntersectionsLieOnBothFigures)
         double const posBehind = AlongArc(startAz, std::atan2((behind.East() - M.East()).Double(),
                                                               (behind.North() - M.North()).Double()), r);
         auto near_bound = [&](double pos) {
-            return std::fabs(pos - sweep) < 1e-7 || pos < 1e-7 || pos > 2.0 * kPi - 1e-7;
+            return std::fabs(pos - sweep) < 1e-7 || pos < 1e-7 || pos > 2.0 * CAPi - 1e-7;
         };
         if (near_bound(posAhead) || near_bound(posBehind)) {
             continue;

@@ -4,11 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <initializer_list>
 
-#include "horizontal/test_clothoid_geometry.h"
+#include "common/clothoid_track.h"
 
 using namespace zelmath;
-using namespace clothoid_test;
+using namespace zeltest;
 
 namespace zelmath {
 struct CMathClothoidTestAccess {
@@ -36,7 +37,8 @@ void ExpectOnTrack(Element const& e, CAxisComplexSpec const& spec, double statio
     if (std::fabs(t - e.track.t0) < 1e-6) {
         // At the origin itself the preset is reported: 0 for a straight start,
         // the start radius for a straight end.
-        EXPECT_EQ(p.Radius.Double(), e.type == 1 ? spec.Start.Radius.Double() : 0.0);
+        EXPECT_EQ(p.Radius.Double(),
+                  e.type == TComplexType::CurveIntoStraight ? spec.Start.Radius.Double() : 0.0);
     } else {
         EXPECT_NEAR(p.Radius.Double(), r, 1e-9 * std::fabs(r)) << "type " << e.type << " station " << station;
     }
@@ -59,25 +61,25 @@ TEST(ClothoidElement, LengthFromParameterAndRadii)
 
     spec.Start.Radius = 0.0;
     spec.End.Radius = -400.0;
-    spec.ComplexType = 0;
+    spec.ComplexType = TComplexType::StraightIntoCurve;
     EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 100.0);
 
     spec.Start.Radius = -400.0;
     spec.End.Radius = 0.0;
-    spec.ComplexType = 1;
+    spec.ComplexType = TComplexType::CurveIntoStraight;
     EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 100.0);
 
     spec.Start.Radius = 800.0;
     spec.End.Radius = 400.0;
-    spec.ComplexType = 2;
+    spec.ComplexType = TComplexType::CurveIntoTighterCurve;
     EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 50.0);
 
     spec.Start.Radius = -400.0;
     spec.End.Radius = -800.0;
-    spec.ComplexType = 3;
+    spec.ComplexType = TComplexType::CurveIntoWiderCurve;
     EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 50.0);
 
-    for (int type : {-1, 4, 99}) {
+    for (int type : std::initializer_list<std::int32_t>{TComplexType::NotClassified, 4, 99}) {
         spec.ComplexType = type;
         EXPECT_EQ(CMathClothoid::Length(spec).Double(), 0.0);
     }
@@ -85,7 +87,8 @@ TEST(ClothoidElement, LengthFromParameterAndRadii)
 
 TEST(ClothoidElement, UnclassifiedElementWritesNothing)
 {
-    Element const e = MakeElement(0, 1.0, 400.0, 400.0, 100.0, CACoordinate(10.0, 20.0), 0.3, 500.0, false);
+    Element const e = MakeElement(TComplexType::StraightIntoCurve, 1.0, 400.0, 400.0, 100.0,
+                                  CACoordinate(10.0, 20.0), 0.3, 500.0, false);
     CAxisComplexSpec spec = e.Spec();
     CAxisPointSpec p;
     p.Station = 1.0;
@@ -112,10 +115,10 @@ TEST(ClothoidElement, StraightStartReportsStartPointTangentAndNoCurvature)
 {
     for (double c : {1.0, -1.0}) {
         for (bool exact : {false, true}) {
-            Element const e = MakeElement(0, c, 300.0, 300.0, 120.0, CACoordinate(2600123.4, 1200456.7), 1.1,
-                                          4321.0, exact);
+            Element const e = MakeElement(TComplexType::StraightIntoCurve, c, 300.0, 300.0, 120.0,
+                                          CACoordinate(2600123.4, 1200456.7), 1.1, 4321.0, exact);
             CAxisComplexSpec const spec = e.Spec();
-            ASSERT_EQ(spec.ComplexType, 0);
+            ASSERT_EQ(spec.ComplexType, TComplexType::StraightIntoCurve);
             CAxisPointSpec p;
             CMathClothoid::Kleinpunkt(spec, spec.Start.Station, &p);
             EXPECT_EQ(p.Coordinate.East().Double(), spec.Start.Coordinate.East().Double());
@@ -132,9 +135,10 @@ TEST(ClothoidElement, StraightStartReportsStartPointTangentAndNoCurvature)
 TEST(ClothoidElement, StraightStartAtEndStationReachesTheEndPoint)
 {
     for (double c : {1.0, -1.0}) {
-        Element const e = MakeElement(0, c, 250.0, 250.0, 90.0, CACoordinate(100.0, -50.0), 4.0, 12.5, true);
+        Element const e = MakeElement(TComplexType::StraightIntoCurve, c, 250.0, 250.0, 90.0,
+                                      CACoordinate(100.0, -50.0), 4.0, 12.5, true);
         CAxisComplexSpec const spec = e.Spec();
-        ASSERT_EQ(spec.ComplexType, 0);
+        ASSERT_EQ(spec.ComplexType, TComplexType::StraightIntoCurve);
         double const a2 = 250.0 * 90.0;
         EXPECT_NEAR(CMathClothoid::Length(spec).Double(), a2 / 250.0, 1e-9);
 
@@ -149,9 +153,10 @@ TEST(ClothoidElement, StraightStartAtEndStationReachesTheEndPoint)
 TEST(ClothoidElement, StraightEndAtEndStationReportsStartRadius)
 {
     for (double c : {1.0, -1.0}) {
-        Element const e = MakeElement(1, c, 600.0, 600.0, 80.0, CACoordinate(-300.0, 800.0), 2.5, 0.0, true);
+        Element const e = MakeElement(TComplexType::CurveIntoStraight, c, 600.0, 600.0, 80.0,
+                                      CACoordinate(-300.0, 800.0), 2.5, 0.0, true);
         CAxisComplexSpec const spec = e.Spec();
-        ASSERT_EQ(spec.ComplexType, 1);
+        ASSERT_EQ(spec.ComplexType, TComplexType::CurveIntoStraight);
         CAxisPointSpec p;
         CMathClothoid::Kleinpunkt(spec, spec.End.Station, &p);
         EXPECT_EQ(p.Coordinate.East().Double(), spec.End.Coordinate.East().Double());
@@ -168,7 +173,7 @@ TEST(ClothoidElement, StraightEndAtEndStationReportsStartRadius)
 
 TEST(ClothoidElement, CurvedEndsGiveLengthAndRadiiOfBothEnds)
 {
-    for (int type : {2, 3}) {
+    for (int type : {TComplexType::CurveIntoTighterCurve, TComplexType::CurveIntoWiderCurve}) {
         for (double c : {1.0, -1.0}) {
             Element const e =
                 MakeElement(type, c, 400.0, 1200.0, 150.0, CACoordinate(1000.0, 2000.0), 0.7, 300.0, true);
@@ -181,11 +186,13 @@ TEST(ClothoidElement, CurvedEndsGiveLengthAndRadiiOfBothEnds)
             CAxisPointSpec p;
             CMathClothoid::Kleinpunkt(spec, spec.Start.Station, &p);
             EXPECT_NEAR(p.Radius.Double(), spec.Start.Radius.Double(), 1e-9);
-            EXPECT_NEAR(p.Radius.Double(), c * (type == 2 ? 1200.0 : 400.0), 1e-9);
+            EXPECT_NEAR(p.Radius.Double(), c * (type == TComplexType::CurveIntoTighterCurve ? 1200.0 : 400.0),
+                        1e-9);
             EXPECT_LE(Distance(p.Coordinate, spec.Start.Coordinate), 4.0 * SeriesDeviation(e) + 1e-8);
             CMathClothoid::Kleinpunkt(spec, spec.End.Station, &p);
             EXPECT_NEAR(p.Radius.Double(), spec.End.Radius.Double(), 1e-9);
-            EXPECT_NEAR(p.Radius.Double(), c * (type == 2 ? 400.0 : 1200.0), 1e-9);
+            EXPECT_NEAR(p.Radius.Double(), c * (type == TComplexType::CurveIntoTighterCurve ? 400.0 : 1200.0),
+                        1e-9);
             EXPECT_LE(Distance(p.Coordinate, spec.End.Coordinate), 4.0 * SeriesDeviation(e) + 1e-8);
         }
     }
@@ -193,7 +200,7 @@ TEST(ClothoidElement, CurvedEndsGiveLengthAndRadiiOfBothEnds)
 
 TEST(ClothoidElement, AzimuthGrowsWhenBendingRightAndFallsWhenBendingLeft)
 {
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             Element const e = MakeElement(type, c, 300.0, 900.0, 100.0, CACoordinate(0.0, 0.0), 0.2, 0.0, false);
             CAxisComplexSpec const spec = e.Spec();
@@ -219,7 +226,7 @@ TEST(ClothoidElement, AzimuthGrowsWhenBendingRightAndFallsWhenBendingLeft)
 TEST(ClothoidElement, OriginOfCurvedEndsIsTheClothoidOrigin)
 {
     ElementGenerator gen(77);
-    for (int type : {2, 3}) {
+    for (int type : {TComplexType::CurveIntoTighterCurve, TComplexType::CurveIntoWiderCurve}) {
         for (double c : {1.0, -1.0}) {
             for (bool survey : {false, true}) {
                 for (int i = 0; i < 40; ++i) {
@@ -248,7 +255,7 @@ TEST(ClothoidElement, ParallelConstructionLinesLeaveTheOriginAtZero)
     spec.Start.Coordinate = CACoordinate(100.0, 200.0);
     spec.End.Coordinate = CACoordinate(100.0, 260.0);
     CMathComplexShape::GetComplextype(&spec);
-    ASSERT_EQ(spec.ComplexType, 3);
+    ASSERT_EQ(spec.ComplexType, TComplexType::CurveIntoWiderCurve);
     CACoordinate const o = Access::GetUrsprung(spec);
     EXPECT_EQ(o.East().Double(), 0.0);
     EXPECT_EQ(o.North().Double(), 0.0);
@@ -265,7 +272,7 @@ TEST(ClothoidElement, PointsFollowTheClothoidInEveryShapeAndDirection)
     // Elements built from the four-term series itself: the element logic must
     // reproduce the clothoid to rounding.
     ElementGenerator gen(4711);
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             for (bool survey : {false, true}) {
                 for (int i = 0; i < 30; ++i) {
@@ -278,7 +285,7 @@ TEST(ClothoidElement, PointsFollowTheClothoidInEveryShapeAndDirection)
                         ExpectOnTrack(e, spec, st, 2e-6);
                     }
                     ExpectOnTrack(e, spec, e.startStation + e.L, 2e-6);
-                    if (type != 0) {
+                    if (type != TComplexType::StraightIntoCurve) {
                         ExpectOnTrack(e, spec, e.startStation, 2e-6);
                     }
                 }
@@ -290,7 +297,7 @@ TEST(ClothoidElement, PointsFollowTheClothoidInEveryShapeAndDirection)
 TEST(ClothoidElement, EndStationsLandOnTheEndPointsOfTheExactClothoid)
 {
     ElementGenerator gen(1234);
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             for (bool survey : {false, true}) {
                 for (int i = 0; i < 12; ++i) {
@@ -311,7 +318,7 @@ TEST(ClothoidElement, EndStationsLandOnTheEndPointsOfTheExactClothoid)
 
 TEST(ClothoidElement, StationsOutsideTheElementContinueTheClothoid)
 {
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             Element const e = MakeElement(type, c, 350.0, 1000.0, 110.0, CACoordinate(5.0, 6.0), 5.5, 200.0, false);
             CAxisComplexSpec const spec = e.Spec();
@@ -372,8 +379,8 @@ TEST(ClothoidElement, CurvedEndShapesTakeTheOriginTangentFromTheChordToTheNearer
         double const bend = radius > 0.0 ? 1.0 : -1.0;
 
         // Radius shrinking, origin before the start (south of it).
-        CAxisComplexSpec spec =
-            EqualRadiiRecord(2, radius, CACoordinate(3.0, 180.0), CACoordinate(3.0, 240.0));
+        CAxisComplexSpec spec = EqualRadiiRecord(TComplexType::CurveIntoTighterCurve, radius,
+                                                 CACoordinate(3.0, 180.0), CACoordinate(3.0, 240.0));
         CACoordinate o = Access::GetUrsprung(spec);
         ASSERT_EQ(o.East().Double(), 0.0);
         ASSERT_EQ(o.North().Double(), 0.0);
@@ -386,7 +393,8 @@ TEST(ClothoidElement, CurvedEndShapesTakeTheOriginTangentFromTheChordToTheNearer
         EXPECT_EQ(p.Radius.Double(), radius);
 
         // Radius growing, origin beyond the end (north of it).
-        spec = EqualRadiiRecord(3, radius, CACoordinate(3.0, -240.0), CACoordinate(3.0, -180.0));
+        spec = EqualRadiiRecord(TComplexType::CurveIntoWiderCurve, radius, CACoordinate(3.0, -240.0),
+                                CACoordinate(3.0, -180.0));
         o = Access::GetUrsprung(spec);
         ASSERT_EQ(o.East().Double(), 0.0);
         ASSERT_EQ(o.North().Double(), 0.0);
@@ -407,9 +415,10 @@ TEST(ClothoidElement, NearZeroArcLengthPlacesTheOriginButStillGivesTheRadius)
     double const tiny = 5e-11;
     for (double c : {1.0, -1.0}) {
         // Straight at the start: the origin is the start point.
-        Element const e0 = MakeElement(0, c, 300.0, 300.0, 120.0, CACoordinate(12.5, -7.25), 0.8, 0.0, false);
+        Element const e0 = MakeElement(TComplexType::StraightIntoCurve, c, 300.0, 300.0, 120.0,
+                                       CACoordinate(12.5, -7.25), 0.8, 0.0, false);
         CAxisComplexSpec const spec0 = e0.Spec();
-        ASSERT_EQ(spec0.ComplexType, 0);
+        ASSERT_EQ(spec0.ComplexType, TComplexType::StraightIntoCurve);
         CAxisPointSpec atOrigin;
         CMathClothoid::Kleinpunkt(spec0, 0.0, &atOrigin);
         CAxisPointSpec p;
@@ -422,9 +431,10 @@ TEST(ClothoidElement, NearZeroArcLengthPlacesTheOriginButStillGivesTheRadius)
         EXPECT_NEAR(p.Radius.Double(), c * a2 / tiny, 1e-9 * a2 / tiny);
 
         // Straight at the end: the origin is the end point.
-        Element const e1 = MakeElement(1, c, 300.0, 300.0, 120.0, CACoordinate(12.5, -7.25), 0.8, 0.0, false);
+        Element const e1 = MakeElement(TComplexType::CurveIntoStraight, c, 300.0, 300.0, 120.0,
+                                       CACoordinate(12.5, -7.25), 0.8, 0.0, false);
         CAxisComplexSpec const spec1 = e1.Spec();
-        ASSERT_EQ(spec1.ComplexType, 1);
+        ASSERT_EQ(spec1.ComplexType, TComplexType::CurveIntoStraight);
         double const station = 120.0 - tiny;
         double const s = 120.0 - station;  // the arc length back from the end, as a double
         ASSERT_NE(s, 0.0);
@@ -445,7 +455,7 @@ TEST(ClothoidElement, BendingDirectionTestsCarryTheValueTolerance)
     // 2e-10 m is greater than 0 and the element bends right.
     for (double small : {5e-11, 2e-10}) {
         double const sign = small > zellib::CAValue::Tolerance ? 1.0 : -1.0;
-        for (int type = 0; type <= 3; ++type) {
+        for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
             CAxisComplexSpec spec;
             spec.Parameter = 200.0;
             spec.Start.Station = 0.0;

@@ -6,10 +6,10 @@
 #include <cmath>
 #include <limits>
 
-#include "horizontal/test_clothoid_geometry.h"
+#include "common/clothoid_track.h"
 
 using namespace zelmath;
-using namespace clothoid_test;
+using namespace zeltest;
 
 namespace zelmath {
 struct CMathClothoidTestAccess {
@@ -114,7 +114,7 @@ bool SameFoot(CAxisPointSpec const& a, CAxisPointSpec const& b)
 TEST(ClothoidProjection, PointOnTheElementProjectsBackToItsStation)
 {
     ElementGenerator gen(9001);
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             for (bool exact : {false, true}) {
                 for (bool survey : {false, true}) {
@@ -144,7 +144,7 @@ TEST(ClothoidProjection, PointOnTheElementProjectsBackToItsStation)
 TEST(ClothoidProjection, PointsOnTheNormalProjectToTheSameStation)
 {
     ElementGenerator gen(31337);
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             for (bool exact : {false, true}) {
                 for (int i = 0; i < 12; ++i) {
@@ -175,7 +175,7 @@ TEST(ClothoidProjection, SearchFollowsTheDampedStationSteps)
     // Against the same search carried out on the clothoid's own geometry:
     // the same result and the same reported station.
     ElementGenerator gen(2718);
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             for (int i = 0; i < 15; ++i) {
                 Element const e = gen.Make(type, c, false, i % 3 == 0);
@@ -199,7 +199,7 @@ TEST(ClothoidProjection, SearchFollowsTheDampedStationSteps)
 TEST(ClothoidProjection, PointsBeforeTheStartOrBeyondTheEndGetTheEndPoints)
 {
     ElementGenerator gen(555);
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             for (bool exact : {false, true}) {
                 for (int i = 0; i < 8; ++i) {
@@ -237,7 +237,7 @@ TEST(ClothoidProjection, PointsBeforeTheStartOrBeyondTheEndGetTheEndPoints)
 TEST(ClothoidProjection, PointFarToTheSideHasNoFoot)
 {
     ElementGenerator gen(8080);
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             for (int i = 0; i < 6; ++i) {
                 Element const e = gen.Make(type, c, i % 2 == 0, i % 3 == 0);
@@ -265,11 +265,12 @@ TEST(ClothoidProjection, FarPointsTakeEighthAndQuarterSteps)
     // (half and quarter steps overshoot ever more), and with h = 600 m a
     // quarter step does.
     for (double c : {1.0, -1.0}) {
-        for (int type : {0, 1}) {
+        for (int type : {TComplexType::StraightIntoCurve, TComplexType::CurveIntoStraight}) {
             Element const e = MakeElement(type, c, 150.0, 150.0, 120.0, CACoordinate(2600000.0, 1200000.0), 1.3,
                                           15000.0, false);
             CAxisComplexSpec const spec = e.Spec();
-            double const t = (type == 0) ? 100.0 : 20.0;  // where the radius is 180 m
+            double const t =
+                (type == TComplexType::StraightIntoCurve) ? 100.0 : 20.0;  // where the radius is 180 m
             for (double h : {1500.0, 600.0}) {
                 CACoordinate const p = Add(e.track.Point(t), e.track.LeftNormal(t), h * c);
                 CAxisPointSpec foot;
@@ -286,7 +287,7 @@ TEST(ClothoidProjection, FarPointsTakeEighthAndQuarterSteps)
 
 TEST(ClothoidProjection, PointOnTheStartNormalStopsNextToTheStart)
 {
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             Element const e = MakeElement(type, c, 300.0, 800.0, 80.0, CACoordinate(300.0, 400.0), 3.0, 100.0, false);
             CAxisComplexSpec const spec = e.Spec();
@@ -305,7 +306,7 @@ TEST(ClothoidProjection, PointOnTheStartNormalStopsNextToTheStart)
 
 TEST(ClothoidProjection, JustBeyondTheEndIsNotReportedAsBeyond)
 {
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             Element const e = MakeElement(type, c, 300.0, 800.0, 80.0, CACoordinate(-30.0, 40.0), 0.4, 100.0, false);
             CAxisComplexSpec const spec = e.Spec();
@@ -344,7 +345,8 @@ TEST(ClothoidProjection, JustBeyondTheEndIsNotReportedAsBeyond)
 
 TEST(ClothoidProjection, UnclassifiedElementIsLeftAlone)
 {
-    Element const e = MakeElement(0, 1.0, 300.0, 300.0, 80.0, CACoordinate(0.0, 0.0), 0.0, 0.0, false);
+    Element const e = MakeElement(TComplexType::StraightIntoCurve, 1.0, 300.0, 300.0, 80.0,
+                                  CACoordinate(0.0, 0.0), 0.0, 0.0, false);
     CAxisComplexSpec spec = e.Spec();
     for (int type : {CAxisComplexSpec::NotClassified, 4, 1000}) {
         spec.ComplexType = type;
@@ -361,7 +363,8 @@ TEST(ClothoidProjection, UnclassifiedElementIsLeftAlone)
 
 TEST(ClothoidProjection, VeryShortElementKeepsTheEndClamp)
 {
-    Element const e = MakeElement(0, 1.0, 300.0, 300.0, 80.0, CACoordinate(0.0, 0.0), 0.0, 0.0, false);
+    Element const e = MakeElement(TComplexType::StraightIntoCurve, 1.0, 300.0, 300.0, 80.0,
+                                  CACoordinate(0.0, 0.0), 0.0, 0.0, false);
     CAxisComplexSpec spec = e.Spec();
     CAxisPointSpec foot;
 
@@ -387,7 +390,7 @@ TEST(ClothoidProjection, TypicalRequestInEveryShape)
 {
     // A surveyor's point 3.2 m left of station +37.5 on each shape, in
     // national coordinates, on elements from the exact clothoid.
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             Element const e =
                 MakeElement(type, c, 450.0, 1800.0, 90.0, CACoordinate(2601234.5, 1198765.4), 5.9, 23456.0, true);
@@ -419,7 +422,7 @@ TEST(ClothoidProjection, NonFiniteAndHugeInputEndsTheSearch)
     double const nan = std::numeric_limits<double>::quiet_NaN();
     double const inf = std::numeric_limits<double>::infinity();
     double const huge = std::numeric_limits<double>::max();
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         Element const e = MakeElement(type, 1.0, 300.0, 800.0, 80.0, CACoordinate(10.0, 20.0), 1.0, 0.0, false);
         CAxisComplexSpec const good = e.Spec();
         CACoordinate const inside = e.track.Point(40.0);
@@ -500,7 +503,8 @@ TEST(ClothoidProjection, CurvedEndShapesTakeTheEndTangentsFromTheirOwnChord)
         // from origin -> start as the point at a station has it.
         {
             CAxisComplexSpec const spec =
-                EqualRadiiRecord(2, radius, CACoordinate(3.0, 180.0), CACoordinate(3.0, 240.0));
+                EqualRadiiRecord(TComplexType::CurveIntoTighterCurve, radius, CACoordinate(3.0, 180.0),
+                                 CACoordinate(3.0, 240.0));
             CACoordinate const o = Access::GetUrsprung(spec);
             ASSERT_EQ(o.East().Double(), 0.0);
             ASSERT_EQ(o.North().Double(), 0.0);
@@ -524,12 +528,13 @@ TEST(ClothoidProjection, CurvedEndShapesTakeTheEndTangentsFromTheirOwnChord)
         // (held pointing backwards), not from end -> origin.
         {
             CAxisComplexSpec const spec =
-                EqualRadiiRecord(3, radius, CACoordinate(3.0, -240.0), CACoordinate(3.0, -180.0));
+                EqualRadiiRecord(TComplexType::CurveIntoWiderCurve, radius, CACoordinate(3.0, -240.0),
+                                 CACoordinate(3.0, -180.0));
             CACoordinate const o = Access::GetUrsprung(spec);
             ASSERT_EQ(o.East().Double(), 0.0);
             ASSERT_EQ(o.North().Double(), 0.0);
             double const backwards = std::atan2(3.0, -240.0) + bend * alpha - bend * tau;
-            double const forwards = backwards + Pi;
+            double const forwards = backwards + CAPi;
             double const otherForwards = std::atan2(-3.0, 180.0) + bend * alpha - bend * tau;
             double const diff = WrapAngle(forwards - otherForwards);
             ASSERT_GT(std::fabs(diff), 0.004);
@@ -551,7 +556,7 @@ TEST(ClothoidProjection, EndTestsCarryTheValueTolerance)
     // 0.5 mm plus 5e-11 m outside is not more than 0.5 mm for the value
     // comparison (the point is searched and, 0.6 mm past the clamp, not
     // found); 0.5 mm plus 2e-10 m is.
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double c : {1.0, -1.0}) {
             Element const e = MakeElement(type, c, 300.0, 800.0, 80.0, CACoordinate(-30.0, 40.0), 0.4, 100.0, false);
             CAxisComplexSpec const spec = e.Spec();
@@ -574,7 +579,7 @@ TEST(ClothoidProjection, StationClampCarriesTheValueTolerance)
 {
     // A trial station 5e-11 m inside an end counts as at the end and is moved
     // 0.1 mm inside; a point on the normal there is then found at once.
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         Element const e = MakeElement(type, 1.0, 300.0, 800.0, 80.0, CACoordinate(-30.0, 40.0), 0.4, 100.0, false);
         CAxisComplexSpec const spec = e.Spec();
         CAxisPointSpec foot;
@@ -595,7 +600,7 @@ TEST(ClothoidProjection, OffsetLimitCarriesTheValueTolerance)
     // side is not more than 2000 m for the value comparison, and the first
     // step, with no distance along the tangent, ends the search; 2000 m plus
     // 2e-10 m has no foot.
-    for (int type = 0; type <= 3; ++type) {
+    for (int type = TComplexType::StraightIntoCurve; type <= TComplexType::CurveIntoWiderCurve; ++type) {
         for (double side : {1.0, -1.0}) {
             Element const e = MakeElement(type, 1.0, 300.0, 800.0, 80.0, CACoordinate(-3.0, 4.0), 2.0, 0.0, false);
             CAxisComplexSpec const spec = e.Spec();

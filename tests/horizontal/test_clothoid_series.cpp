@@ -6,12 +6,12 @@
 #include <cmath>
 #include <random>
 
-#include "horizontal/test_clothoid_geometry.h"
+#include "common/clothoid_track.h"
 
 using namespace zelmath;
-using clothoid_test::FresnelExact;
-using clothoid_test::FresnelSeries4;
-using clothoid_test::Pi;
+using zeltest::FresnelExact;
+using zeltest::FresnelSeries4;
+using zellib::CAPi;
 
 namespace zelmath {
 struct CMathClothoidTestAccess {
@@ -41,7 +41,7 @@ TEST(ClothoidSeries, ZeroParameterGivesTheOrigin)
     EXPECT_EQ(tau.Double(), 0.0);
     EXPECT_EQ(chord.Double(), 0.0);
     // X is exactly 0: the chord angle is sign(0) * pi = +pi.
-    EXPECT_EQ(chordAngle.Double(), Pi);
+    EXPECT_EQ(chordAngle.Double(), CAPi);
 }
 
 TEST(ClothoidSeries, ZeroArcLengthGivesTheOrigin)
@@ -56,7 +56,7 @@ TEST(ClothoidSeries, ZeroArcLengthGivesTheOrigin)
     EXPECT_EQ(p.Y().Double(), 0.0);
     EXPECT_EQ(tau.Double(), 0.0);
     EXPECT_EQ(chord.Double(), 0.0);
-    EXPECT_EQ(chordAngle.Double(), Pi);
+    EXPECT_EQ(chordAngle.Double(), CAPi);
 }
 
 TEST(ClothoidSeries, HandComputedPointAtHalfTheParameter)
@@ -104,7 +104,7 @@ TEST(ClothoidSeries, NegativeParameterOrLengthMirrorsThroughTheOrigin)
         // atan(Y/X) with both negated: the same angle, not turned by pi.
         EXPECT_NEAR(angle.Double(), angleP.Double(), 1e-15);
         EXPECT_GT(angle.Double(), 0.0);
-        EXPECT_LT(angle.Double(), Pi / 2.0);
+        EXPECT_LT(angle.Double(), CAPi / 2.0);
     }
 
     // Both negative: l positive again.
@@ -188,8 +188,8 @@ TEST(ClothoidSeries, ChordAngleUsesTheSingleArgumentArcTangent)
     CACoordinate const p = Access::GetLocalCoordAt(1.0, 3.2, &tau, &chord, &angle);
     ASSERT_LT(p.X().Double(), 0.0);
     EXPECT_NEAR(angle.Double(), std::atan(p.Y().Double() / p.X().Double()), 1e-15);
-    EXPECT_GT(angle.Double(), -Pi / 2.0);
-    EXPECT_LT(angle.Double(), Pi / 2.0);
+    EXPECT_GT(angle.Double(), -CAPi / 2.0);
+    EXPECT_LT(angle.Double(), CAPi / 2.0);
     EXPECT_NEAR(tau.Double(), 3.2 * 3.2 / 2.0, 1e-14);
     EXPECT_NEAR(chord.Double(), std::hypot(p.X().Double(), p.Y().Double()), 1e-12);
 }

@@ -6,10 +6,10 @@
 #include <cmath>
 #include <limits>
 
-#include "horizontal/test_clothoid_geometry.h"
+#include "common/clothoid_track.h"
 
 using namespace zelmath;
-using namespace clothoid_test;
+using namespace zeltest;
 
 namespace zelmath {
 struct CMathClothoidTestAccess {
@@ -223,7 +223,8 @@ TEST(ClothoidStartPoint, FailedWalkToTheOriginLeavesTheStart)
 
 TEST(ClothoidStartPoint, OutputsMayAliasTheInputs)
 {
-    Element const e = MakeElement(2, 1.0, 300.0, 900.0, 100.0, CACoordinate(5.0, 5.0), 1.0, 0.0, false);
+    Element const e = MakeElement(TComplexType::CurveIntoTighterCurve, 1.0, 300.0, 900.0, 100.0,
+                                  CACoordinate(5.0, 5.0), 1.0, 0.0, false);
     Out expected;
     ASSERT_TRUE(Layout(e, 40.0, &expected));
 

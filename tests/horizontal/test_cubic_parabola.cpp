@@ -7,6 +7,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 #include <random>
 
@@ -34,11 +35,11 @@ namespace {
 
 using Access = CMathCbcParabolTestAccess;
 
+using zellib::CAPi;
 using zeltest::AngleDiff;
 using zeltest::ExpectMarker;
 using zeltest::ExpectNear;
 using zeltest::Marker;
-using zeltest::Pi;
 using zeltest::Place;
 
 // The point of an element at a station.
@@ -47,8 +48,8 @@ constexpr double Tight = 1e-9;
 
 double Wrap(double a)
 {
-    double r = std::fmod(a, 2.0 * Pi);
-    return r < 0.0 ? r + 2.0 * Pi : r;
+    double r = std::fmod(a, 2.0 * CAPi);
+    return r < 0.0 ? r + 2.0 * CAPi : r;
 }
 
 // A cubic parabola laid out by hand. The element's own construction takes the
@@ -114,8 +115,9 @@ Layout CurveIntoStraight(CACoordinate const& end, double tangent, double radius,
 double Abscissa(Layout const& l, double s)
 {
     double const span = l.element.End.Station.Double() - l.element.Start.Station.Double();
-    double const d = (l.element.ComplexType == 0) ? s - l.element.Start.Station.Double()
-                                                  : l.element.End.Station.Double() - s;
+    double const d = (l.element.ComplexType == TComplexType::StraightIntoCurve)
+                         ? s - l.element.Start.Station.Double()
+                         : l.element.End.Station.Double() - s;
     return l.lx * d / span;
 }
 
@@ -125,7 +127,7 @@ CACoordinate ExpectedPoint(Layout const& l, double s)
 {
     double const x = Abscissa(l, s);
     double const y = x * x * x / (6.0 * l.radius * l.lx);
-    if (l.element.ComplexType == 0) {
+    if (l.element.ComplexType == TComplexType::StraightIntoCurve) {
         return Place(l.origin, l.tangent, x, -y);  // positive radius bends right
     }
     return Place(l.origin, l.tangent, x, y);
@@ -136,7 +138,7 @@ CACoordinate GeometricPoint(Layout const& l, double s)
 {
     double const x = Abscissa(l, s);
     double const y = x * x * x / (6.0 * l.radius * l.lx);
-    if (l.element.ComplexType == 0) {
+    if (l.element.ComplexType == TComplexType::StraightIntoCurve) {
         return Place(l.origin, l.tangent, x, -y);
     }
     return Place(l.origin, l.tangent, -x, -y);
@@ -148,7 +150,8 @@ double ExpectedAzimuth(Layout const& l, double s)
 {
     double const x = Abscissa(l, s);
     double const turn = std::atan(x * x / (2.0 * l.radius * l.lx));
-    return Wrap(l.element.ComplexType == 0 ? l.tangent + turn : l.tangent - turn);
+    return Wrap(l.element.ComplexType == TComplexType::StraightIntoCurve ? l.tangent + turn
+                                                                         : l.tangent - turn);
 }
 
 // ---------------------------------------------------------------------------
@@ -175,10 +178,10 @@ TEST(CbcParabolSigmaTau, ZeroLengthGivesZero)
 TEST(CbcParabolBasePoint, FootOnTheLine)
 {
     // Line through (10, 20) heading due East; the foot of (15, 27) is (15, 20).
-    ExpectNear(Access::BasePoint(CACoordinate(10.0, 20.0), CAAzimuth(Pi / 2.0), CACoordinate(15.0, 27.0)),
+    ExpectNear(Access::BasePoint(CACoordinate(10.0, 20.0), CAAzimuth(CAPi / 2.0), CACoordinate(15.0, 27.0)),
                CACoordinate(15.0, 20.0), Tight);
     // Line through the origin at azimuth 45 degrees; the foot of (0, 2) is (1, 1).
-    ExpectNear(Access::BasePoint(CACoordinate(0.0, 0.0), CAAzimuth(Pi / 4.0), CACoordinate(0.0, 2.0)),
+    ExpectNear(Access::BasePoint(CACoordinate(0.0, 0.0), CAAzimuth(CAPi / 4.0), CACoordinate(0.0, 2.0)),
                CACoordinate(1.0, 1.0), Tight);
     // A point behind the line's origin keeps its (negative) position along it.
     ExpectNear(Access::BasePoint(CACoordinate(0.0, 0.0), CAAzimuth(0.0), CACoordinate(3.0, -4.0)),
@@ -194,7 +197,7 @@ TEST_P(CbcParabolBothBends, StraightIntoCurvePoints)
 {
     double const r = GetParam();
     Layout const l = StraightIntoCurve(CACoordinate(1000.0, 2000.0), 0.7, r, 80.0, 100.0, 80.0);
-    ASSERT_EQ(l.element.ComplexType, 0);
+    ASSERT_EQ(l.element.ComplexType, TComplexType::StraightIntoCurve);
     for (double s = 100.0; s <= 180.0; s += 8.0) {
         CAxisPointSpec const p = At(l.element, s);
         double const x = Abscissa(l, s);
@@ -217,7 +220,7 @@ TEST_P(CbcParabolBothBends, CurveIntoStraightPointsAreReflectedThroughTheEnd)
 {
     double const r = GetParam();
     Layout const l = CurveIntoStraight(CACoordinate(-300.0, 450.0), 4.0, r, 60.0, -20.0, 60.0);
-    ASSERT_EQ(l.element.ComplexType, 1);
+    ASSERT_EQ(l.element.ComplexType, TComplexType::CurveIntoStraight);
     CACoordinate const end = l.element.End.Coordinate;
     for (double s = -20.0; s <= 40.0; s += 5.0) {
         CAxisPointSpec const p = At(l.element, s);
@@ -234,10 +237,18 @@ TEST_P(CbcParabolBothBends, CurveIntoStraightPointsAreReflectedThroughTheEnd)
             EXPECT_NEAR(p.Radius.Double(), r * l.lx / x, 1e-9 * std::fabs(r * l.lx / x));
         }
     }
-    // At the start (the curved end) the point lies a chord beyond the end,
-    // not on the start point.
+    // At the start (the curved end) the point is 2 End - G, G the curve's own
+    // point there, so it lies |G - End| + c from the start point, not on it.
+    // With c = 60 and |R| = 350 the chord leaves the tangent at a, tan a =
+    // c / 6R = 1/35, so sin a = 1/sqrt(1226), cos a = 35/sqrt(1226), and
+    // Lx = c cos a. G lies at x = Lx, y = Lx^2 / 6R = c cos a sin a, at
+    // |G - End| = c cos a sqrt(1 + sin^2 a) = 2100 sqrt(1227) / 1226
+    // = 59.99998 m, at the angle atan(sin a) from the tangent where the
+    // start point lies at a: the two differ by 1.2e-5 rad, which shortens
+    // the sum by under 1e-9 m. Distance = 60 + 59.99998 = 119.99998 m.
     CAxisPointSpec const s = At(l.element, -20.0);
-    EXPECT_GT((s.Coordinate - l.element.Start.Coordinate).Length().Double(), 100.0);
+    EXPECT_NEAR((s.Coordinate - l.element.Start.Coordinate).Length().Double(),
+                60.0 + 2100.0 * std::sqrt(1227.0) / 1226.0, 1e-6);
     EXPECT_NEAR(s.Radius.Double(), r, 1e-9 * std::fabs(r));
 }
 
@@ -288,7 +299,9 @@ TEST(CbcParabolKleinpunkt, TrueParabolaIsFollowedWithinTheChordApproximation)
 TEST(CbcParabolKleinpunkt, UnsupportedTypesLeaveTheOutputUntouched)
 {
     Layout l = StraightIntoCurve(CACoordinate(0.0, 0.0), 1.0, 400.0, 50.0, 0.0, 50.0);
-    for (std::int32_t type : {2, 3, -1, 7}) {
+    for (std::int32_t type : std::initializer_list<std::int32_t>{TComplexType::CurveIntoTighterCurve,
+                                                                 TComplexType::CurveIntoWiderCurve,
+                                                                 TComplexType::NotClassified, 7}) {
         l.element.ComplexType = type;
         CAxisPointSpec p = Marker();
         CMathCbcParabol::Kleinpunkt(l.element, CALength(20.0), &p);
@@ -301,27 +314,27 @@ TEST(CbcParabolKleinpunkt, SpanMagnitudeFromStraightSignedIntoStraight)
     // Stations given the wrong way round (Start above End). From a straight
     // into a curve the span's magnitude is used: a station 30 past the start
     // lies at abscissa Lx * 30 / 60.
-    Layout a = StraightIntoCurve(CACoordinate(0.0, 0.0), Pi / 2.0, 500.0, 60.0, 100.0, 60.0);
+    Layout a = StraightIntoCurve(CACoordinate(0.0, 0.0), CAPi / 2.0, 500.0, 60.0, 100.0, 60.0);
     a.element.Start.Station = 160.0;
     a.element.End.Station = 100.0;
     {
         double const x = a.lx * 30.0 / 60.0;
         double const y = x * x * x / (6.0 * 500.0 * a.lx);
-        ExpectNear(At(a.element, 190.0).Coordinate, Place(a.origin, Pi / 2.0, x, -y), Tight);
+        ExpectNear(At(a.element, 190.0).Coordinate, Place(a.origin, CAPi / 2.0, x, -y), Tight);
     }
     // From a curve into a straight the signed span is used: End.Station - s
     // = -30 over a span of -60 gives abscissa +Lx/2; a station 30 past the
     // start (End.Station - s = -90) gives -1.5 Lx.
-    Layout b = CurveIntoStraight(CACoordinate(0.0, 0.0), Pi / 2.0, 500.0, 60.0, 100.0, 60.0);
+    Layout b = CurveIntoStraight(CACoordinate(0.0, 0.0), CAPi / 2.0, 500.0, 60.0, 100.0, 60.0);
     b.element.Start.Station = 160.0;
     b.element.End.Station = 100.0;
     {
         double const x = b.lx * -90.0 / -60.0;
         double const y = x * x * x / (6.0 * 500.0 * b.lx);
-        ExpectNear(At(b.element, 190.0).Coordinate, Place(b.origin, Pi / 2.0, x, y), Tight);
+        ExpectNear(At(b.element, 190.0).Coordinate, Place(b.origin, CAPi / 2.0, x, y), Tight);
         double const x2 = b.lx * 60.0 / -60.0;
         double const y2 = x2 * x2 * x2 / (6.0 * 500.0 * b.lx);
-        ExpectNear(At(b.element, 40.0).Coordinate, Place(b.origin, Pi / 2.0, x2, y2), Tight);
+        ExpectNear(At(b.element, 40.0).Coordinate, Place(b.origin, CAPi / 2.0, x2, y2), Tight);
     }
 }
 
@@ -338,7 +351,7 @@ TEST(CbcParabolKleinpunkt, ZeroRadiusGivesHugeOrdinateOfPositiveSign)
     e.End.Station = 50.0;
     e.Start.Radius = 0.0;
     e.End.Radius = 0.0;
-    e.ComplexType = 0;
+    e.ComplexType = TComplexType::StraightIntoCurve;
 
     // Every local point has the ordinate -DBL_MAX as well: the tangent there
     // stands at right angles to the main tangent (due North), and the point,
@@ -346,7 +359,11 @@ TEST(CbcParabolKleinpunkt, ZeroRadiusGivesHugeOrdinateOfPositiveSign)
     for (double s : {0.0, 25.0}) {
         CAxisPointSpec const p = At(e, s);
         EXPECT_NEAR(AngleDiff(p.Azimuth.Double(), 0.0), 0.0, 1e-12);
-        EXPECT_GT(p.Coordinate.North().Double(), 1e307);
+        // The local ordinate -DBL_MAX turned from the westward tangent by the
+        // half turn pi/2 - 3pi/2: cos is -1 in doubles, so the North is
+        // +DBL_MAX; the abscissa's share, x sin(pi) < 25 * 1.3e-16 m, is far
+        // below half an ulp of DBL_MAX.
+        EXPECT_EQ(p.Coordinate.North().Double(), DBL_MAX);
         EXPECT_EQ(p.Radius.Double(), 0.0);  // local abscissa 0 (0 * d / span) or tiny over huge
     }
 
@@ -360,13 +377,14 @@ TEST(CbcParabolKleinpunkt, ZeroRadiusGivesHugeOrdinateOfPositiveSign)
     // Into a straight the ordinate is +DBL_MAX: chord angle +pi/2, so the
     // tangent at the end points due East and a point East of the end lies
     // beyond it.
-    e.ComplexType = 1;
+    e.ComplexType = TComplexType::CurveIntoStraight;
     EXPECT_EQ(CMathCbcParabol::Lot(e, CACoordinate(10.0, 25.0), &out), TPointMathResult::BeyondEnd);
     // The end point reported carries the huge ordinate too: (0, +DBL_MAX)
     // turned onto the eastward tangent lies at the far North.
     EXPECT_EQ(out.Station.Double(), 50.0);
     EXPECT_EQ(out.Coordinate.East().Double(), 0.0);
-    EXPECT_GT(out.Coordinate.North().Double(), 1e307);
+    // Turned by pi/2 - pi/2 = 0: North = 50 + DBL_MAX, which rounds to DBL_MAX.
+    EXPECT_EQ(out.Coordinate.North().Double(), DBL_MAX);
     EXPECT_EQ(out.Radius.Double(), 0.0);
 }
 
@@ -385,12 +403,15 @@ TEST(CbcParabolKleinpunkt, TinyRadiusIsZeroForThePointButNotForTheCurvedEnd)
     e.End.Station = 50.0;
     e.Start.Radius = 0.0;
     e.End.Radius = 1e-11;
-    e.ComplexType = 0;
+    e.ComplexType = TComplexType::StraightIntoCurve;
     double const offset = std::atan(6.0 * 1e-11 / 50.0);
     ASSERT_GT(offset, 1e-12);
     CAxisPointSpec const p = At(e, 0.0);
     EXPECT_NEAR(p.Azimuth.Double(), offset, 1e-14);
-    EXPECT_GT(p.Coordinate.North().Double(), 1e307);
+    // The main tangent lies at 3pi/2 + atan(6 R / c), so the ordinate is turned
+    // by pi - 1.2e-12: cos rounds to -1 and -DBL_MAX becomes +DBL_MAX; at
+    // station 0 the abscissa is 0 and adds nothing.
+    EXPECT_EQ(p.Coordinate.North().Double(), DBL_MAX);
     EXPECT_EQ(p.Radius.Double(), 0.0);
 }
 
@@ -407,7 +428,7 @@ TEST(CbcParabolKleinpunkt, ZeroChordGivesHugeOrdinate)
         e.Start.Station = 0.0;
         e.End.Station = 20.0;
         e.End.Radius = r;
-        e.ComplexType = 0;
+        e.ComplexType = TComplexType::StraightIntoCurve;
         CAxisPointSpec out;
         int const res = CMathCbcParabol::Lot(e, CACoordinate(5.0, 0.0), &out);
         if (r < 0.0) {
@@ -419,7 +440,7 @@ TEST(CbcParabolKleinpunkt, ZeroChordGivesHugeOrdinate)
         // R >= 0, so a point East of the end lies beyond it.
         e.Start.Radius = r;
         e.End.Radius = 0.0;
-        e.ComplexType = 1;
+        e.ComplexType = TComplexType::CurveIntoStraight;
         int const res1 = CMathCbcParabol::Lot(e, CACoordinate(15.0, 10.0), &out);
         if (r < 0.0) {
             EXPECT_NE(res1, TPointMathResult::BeyondEnd) << r;
@@ -437,7 +458,7 @@ TEST(CbcParabolKleinpunkt, ZeroSpanGivesHugeAbscissa)
     l.element.End.Station = 10.0;
     CAxisPointSpec const p = At(l.element, 10.0);
     EXPECT_EQ(p.Station.Double(), 10.0);
-    EXPECT_NEAR(AngleDiff(p.Azimuth.Double(), 1.0 + Pi / 2.0), 0.0, 1e-12);
+    EXPECT_NEAR(AngleDiff(p.Azimuth.Double(), 1.0 + CAPi / 2.0), 0.0, 1e-12);
     EXPECT_FALSE(std::isfinite(p.Coordinate.East().Double()) && std::isfinite(p.Coordinate.North().Double()));
 }
 
@@ -450,7 +471,7 @@ TEST(CbcParabolLength, CardinalMainTangentGivesLxTimesCosine)
     // pi/2 - azimuth agrees with the tangent frame up to a half turn, and the
     // length is |x^3 / (6 R y)| of the curved end: with y = x tan(angle) and
     // tan(angle) = -c / 6R that is c cos^2(angle) = Lx cos(angle).
-    for (double t : {Pi / 2.0, 0.0, Pi, 3.0 * Pi / 2.0}) {
+    for (double t : {CAPi / 2.0, 0.0, CAPi, 3.0 * CAPi / 2.0}) {
         for (double r : {300.0, -300.0}) {
             Layout const a = StraightIntoCurve(CACoordinate(2600000.0, 1200000.0), t, r, 90.0, 0.0, 92.0);
             double const expected = a.lx * std::cos(a.chordAngle);
@@ -467,19 +488,22 @@ TEST(CbcParabolLength, DiagonalMainTangentSwapsTheAxes)
     // Main tangent at azimuth 45 degrees: the turn by pi/2 - azimuth leaves the
     // chord a quarter turn away from the tangent frame, so abscissa and
     // ordinate change places: |(c sin a)^3 / (6 R c cos a)|.
-    Layout const l = StraightIntoCurve(CACoordinate(0.0, 0.0), Pi / 4.0, 300.0, 90.0, 0.0, 90.0);
+    Layout const l = StraightIntoCurve(CACoordinate(0.0, 0.0), CAPi / 4.0, 300.0, 90.0, 0.0, 90.0);
     double const c = l.chord;
     double const sa = std::sin(l.chordAngle);
     double const ca = std::cos(l.chordAngle);
     double const expected = std::fabs(std::pow(c * sa, 3.0) / (6.0 * 300.0 * c * ca));
     EXPECT_NEAR(CMathCbcParabol::Length(l.element).Double(), expected, 1e-9);
-    EXPECT_LT(CMathCbcParabol::Length(l.element).Double(), 0.01);
+    // By hand: tan a = -c / 6R = -90 / 1800 = -0.05, so c sin a = -4.5 / s and
+    // c cos a = 90 / s with s = sqrt(1.0025); the length is
+    // 4.5^3 / (6 * 300 * 90 * 1.0025) = 5.625e-4 / 1.0025 = 5.61097e-4 m.
+    EXPECT_NEAR(CMathCbcParabol::Length(l.element).Double(), 5.625e-4 / 1.0025, 1e-12);
 }
 
 TEST(CbcParabolLength, UnsupportedTypeIsZeroOverZero)
 {
     Layout l = StraightIntoCurve(CACoordinate(0.0, 0.0), 1.0, 400.0, 50.0, 0.0, 50.0);
-    l.element.ComplexType = 2;
+    l.element.ComplexType = TComplexType::CurveIntoTighterCurve;
     EXPECT_TRUE(std::isnan(CMathCbcParabol::Length(l.element).Double()));
 }
 
@@ -489,7 +513,7 @@ TEST(CbcParabolLength, UnsupportedTypeIsZeroOverZero)
 // A practically straight element from (0, 0) due East, stations 0..100.
 Layout Straightish()
 {
-    return StraightIntoCurve(CACoordinate(0.0, 0.0), Pi / 2.0, 1e12, 100.0, 0.0, 100.0);
+    return StraightIntoCurve(CACoordinate(0.0, 0.0), CAPi / 2.0, 1e12, 100.0, 0.0, 100.0);
 }
 
 TEST(CbcParabolIterate, PointOnTheElementConvergesInTheFirstStep)
@@ -633,7 +657,7 @@ TEST(CbcParabolLot, FirstTrialStationScalesTheAbscissaToTheSpan)
     // 105 * 100 / 150 = 70, which is already its foot, so the first trial
     // station is the one reported. Started unscaled at 105 (clamped to
     // 99.9999), the damped steps would stop about 0.0001 short of 70.
-    Layout const l = StraightIntoCurve(CACoordinate(0.0, 0.0), Pi / 2.0, 1e12, 150.0, 0.0, 100.0);
+    Layout const l = StraightIntoCurve(CACoordinate(0.0, 0.0), CAPi / 2.0, 1e12, 150.0, 0.0, 100.0);
     ASSERT_NEAR(l.lx, 150.0, 1e-9);
     for (double side : {5.0, -5.0}) {
         CAxisPointSpec out;
@@ -647,7 +671,9 @@ TEST(CbcParabolLot, UnsupportedTypesGiveNoSolutionAndLeaveTheOutputUntouched)
 {
     Layout l = StraightIntoCurve(CACoordinate(0.0, 0.0), 1.0, 400.0, 50.0, 0.0, 50.0);
     CACoordinate const p = At(l.element, 20.0).Coordinate;
-    for (std::int32_t type : {2, 3, -1, 1000}) {
+    for (std::int32_t type : std::initializer_list<std::int32_t>{TComplexType::CurveIntoTighterCurve,
+                                                                 TComplexType::CurveIntoWiderCurve,
+                                                                 TComplexType::NotClassified, 1000}) {
         l.element.ComplexType = type;
         CAxisPointSpec out = Marker();
         EXPECT_EQ(CMathCbcParabol::Lot(l.element, p, &out), TPointMathResult::NoSolution);
@@ -694,7 +720,7 @@ TEST(CbcParabolLot, NonFiniteInputTerminates)
         e.End.Station = values[pick(rng)];
         e.Start.Radius = values[pick(rng)];
         e.End.Radius = values[pick(rng)];
-        e.ComplexType = i % 2;
+        e.ComplexType = (i % 2 == 0) ? TComplexType::StraightIntoCurve : TComplexType::CurveIntoStraight;
         CACoordinate const p(values[pick(rng)], values[pick(rng)]);
         CAxisPointSpec out;
         int const res = CMathCbcParabol::Lot(e, p, &out);
@@ -720,7 +746,7 @@ Generated Generate(std::mt19937_64& rng, int type)
 {
     std::uniform_real_distribution<double> east(2590000.0, 2610000.0);
     std::uniform_real_distribution<double> north(1190000.0, 1210000.0);
-    std::uniform_real_distribution<double> az(0.0, 2.0 * Pi);
+    std::uniform_real_distribution<double> az(0.0, 2.0 * CAPi);
     std::uniform_real_distribution<double> radius(400.0, 3000.0);
     std::uniform_real_distribution<double> chord(40.0, 120.0);
     std::uniform_real_distribution<double> station(0.0, 50000.0);
@@ -733,7 +759,8 @@ Generated Generate(std::mt19937_64& rng, int type)
     Generated g;
     // Station span close to the curve's length.
     g.span = c * (1.0 + c * c / (40.0 * r * r));
-    g.layout = (type == 0) ? StraightIntoCurve(o, t, r, c, s0, g.span) : CurveIntoStraight(o, t, r, c, s0, g.span);
+    g.layout = (type == TComplexType::StraightIntoCurve) ? StraightIntoCurve(o, t, r, c, s0, g.span)
+                                                         : CurveIntoStraight(o, t, r, c, s0, g.span);
     return g;
 }
 
@@ -780,7 +807,8 @@ TEST(CbcParabolProperties, StraightIntoCurve)
 
         // Unsupported types.
         CAxisComplexSpec other = l.element;
-        other.ComplexType = 2 + (i % 2);
+        other.ComplexType =
+            (i % 2 == 0) ? TComplexType::CurveIntoTighterCurve : TComplexType::CurveIntoWiderCurve;
         CAxisPointSpec m = Marker();
         EXPECT_EQ(CMathCbcParabol::Lot(other, k.Coordinate, &m), TPointMathResult::NoSolution);
         ExpectMarker(m);
@@ -829,7 +857,7 @@ TEST(CbcParabolProperties, CurveIntoStraight)
         ExpectNear(out.Coordinate, ExpectedPoint(l, s0), 1e-7);
 
         CAxisComplexSpec other = l.element;
-        other.ComplexType = -1;
+        other.ComplexType = TComplexType::NotClassified;
         CAxisPointSpec m = Marker();
         EXPECT_EQ(CMathCbcParabol::Lot(other, k.Coordinate, &m), TPointMathResult::NoSolution);
         ExpectMarker(m);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 #include <random>
 
@@ -42,11 +43,11 @@ namespace {
 
 using Access = CMathHalfSinTestAccess;
 
+using zellib::CAPi;
 using zeltest::AngleDiff;
 using zeltest::ExpectMarker;
 using zeltest::ExpectNear;
 using zeltest::Marker;
-using zeltest::Pi;
 using zeltest::Place;
 
 // The point of an element at a station.
@@ -135,7 +136,7 @@ WorldPoint CurveAt(Layout const& l, double dist)
 {
     Exact const ex = Integrate(l.a, l.b, dist);
     WorldPoint w;
-    if (l.element.ComplexType == 0) {
+    if (l.element.ComplexType == TComplexType::StraightIntoCurve) {
         w.point = Place(l.origin, l.tangent, ex.x, -ex.y);
         w.azimuth = l.tangent + ex.heading;
     } else {
@@ -153,12 +154,12 @@ Layout Make(int type, CACoordinate const& origin, double tangent, double radius,
     l.tangent = tangent;
     l.radius = radius;
     l.span = span;
-    l.a = Pi / span;
+    l.a = CAPi / span;
     l.b = 1.0 / (2.0 * radius);
     l.element.ComplexType = type;
     l.element.Start.Station = startStation;
     l.element.End.Station = startStation + span;
-    if (type == 0) {
+    if (type == TComplexType::StraightIntoCurve) {
         l.element.Start.Coordinate = origin;
         l.element.End.Coordinate = CurveAt(l, span).point;
         l.element.Start.Radius = 0.0;
@@ -176,7 +177,8 @@ Layout Make(int type, CACoordinate const& origin, double tangent, double radius,
 // Distance from the origin of a station.
 double FromOrigin(Layout const& l, double s)
 {
-    return l.element.ComplexType == 0 ? s - l.element.Start.Station.Double() : l.element.End.Station.Double() - s;
+    return l.element.ComplexType == TComplexType::StraightIntoCurve ? s - l.element.Start.Station.Double()
+                                                                    : l.element.End.Station.Double() - s;
 }
 
 // ---------------------------------------------------------------------------
@@ -191,11 +193,11 @@ TEST(HalfSinConstants, FromSpanAndCurvedEndRadius)
     e.End.Radius = 400.0;
     double a = 0.0;
     double b = 0.0;
-    e.ComplexType = 0;
+    e.ComplexType = TComplexType::StraightIntoCurve;
     Access::GetConstants(e, &a, &b);
-    EXPECT_DOUBLE_EQ(a, Pi / 80.0);
+    EXPECT_DOUBLE_EQ(a, CAPi / 80.0);
     EXPECT_DOUBLE_EQ(b, 1.0 / 800.0);
-    e.ComplexType = 1;  // the curved end is the start
+    e.ComplexType = TComplexType::CurveIntoStraight;  // the curved end is the start
     Access::GetConstants(e, &a, &b);
     EXPECT_DOUBLE_EQ(b, -1.0 / 500.0);
     for (std::int32_t other : {2, 3, -1}) {
@@ -211,7 +213,7 @@ TEST(HalfSinConstants, ZeroSpanAndZeroRadiusGiveTheLargestDouble)
     e.Start.Station = 50.0;
     e.End.Station = 50.0;
     e.End.Radius = 0.0;
-    e.ComplexType = 0;
+    e.ComplexType = TComplexType::StraightIntoCurve;
     double a = 0.0;
     double b = 0.0;
     Access::GetConstants(e, &a, &b);
@@ -222,14 +224,16 @@ TEST(HalfSinConstants, ZeroSpanAndZeroRadiusGiveTheLargestDouble)
     e.End.Station = 50.0 + 1e-11;
     e.End.Radius = 5e-11;
     Access::GetConstants(e, &a, &b);
-    EXPECT_NE(a, DBL_MAX);
+    // a = pi / span; the span is 1e-11 m to within half an ulp of 50
+    // (3.6e-15 m), so a = pi / 1e-11 = 3.14159e11 to a relative 3.6e-4.
+    EXPECT_NEAR(a, CAPi / 1e-11, 4e-4 * CAPi / 1e-11);
     EXPECT_EQ(b, DBL_MAX);
 }
 
 TEST(HalfSinSeries, TermByTerm)
 {
     for (double l : {0.0, 1.0, 37.5, 80.0, 95.0}) {
-        double const a = Pi / 80.0;
+        double const a = CAPi / 80.0;
         double const b = 1.0 / 500.0;
         EXPECT_NEAR(Access::DX(a, b, l).Double(), SeriesX(a, b, l), 1e-11) << l;
         EXPECT_NEAR(Access::DY(a, b, l).Double(), SeriesY(a, b, l), 1e-11) << l;
@@ -244,7 +248,7 @@ TEST(HalfSinSeries, OrdinateAtTheOriginIsNotZero)
 {
     // At l = 0 every term vanishes but the constants -60 cos 0 - 73 of the
     // second term: DY(0) = 133 b^3 / (72 a^4).
-    double const a = Pi / 100.0;
+    double const a = CAPi / 100.0;
     for (double b : {1.0 / 600.0, -1.0 / 600.0}) {
         EXPECT_EQ(Access::DX(a, b, 0.0).Double(), 0.0);
         EXPECT_NEAR(Access::DY(a, b, 0.0).Double(), 133.0 * b * b * b / (72.0 * std::pow(a, 4.0)), 1e-15);
@@ -257,7 +261,7 @@ TEST(HalfSinSeries, FollowsTheIntegratedCurveWithinItsAccuracy)
 {
     for (double r : {300.0, -300.0, 800.0, -2000.0}) {
         for (double span : {60.0, 120.0}) {
-            double const a = Pi / span;
+            double const a = CAPi / span;
             double const b = 1.0 / (2.0 * r);
             double const tol = SeriesTolerance(a, b);
             for (double l = 0.0; l <= span; l += span / 12.0) {
@@ -271,7 +275,7 @@ TEST(HalfSinSeries, FollowsTheIntegratedCurveWithinItsAccuracy)
 
 TEST(HalfSinSigma, ZeroAtTheOriginExactly)
 {
-    EXPECT_EQ(Access::Sigma(Pi / 100.0, 1.0 / 600.0, 0.0).Double(), 0.0);
+    EXPECT_EQ(Access::Sigma(CAPi / 100.0, 1.0 / 600.0, 0.0).Double(), 0.0);
     EXPECT_EQ(Access::Sigma(DBL_MAX, DBL_MAX, 0.0).Double(), 0.0);
 }
 
@@ -280,7 +284,7 @@ TEST(HalfSinSigma, OnlyAnExactZeroDistanceIsZero)
     // 1e-12 is 0 to the value comparison but not exactly: the first series
     // term is evaluated. cos(a l) rounds to 1 there, leaving (b / 2) l.
     double const b = 1.0 / 600.0;
-    double const sigma = Access::Sigma(Pi / 100.0, b, 1e-12).Double();
+    double const sigma = Access::Sigma(CAPi / 100.0, b, 1e-12).Double();
     EXPECT_NE(sigma, 0.0);
     EXPECT_NEAR(sigma, b / 2.0 * 1e-12, 1e-27);
 }
@@ -290,12 +294,12 @@ TEST(HalfSinSigma, FirstSeriesTermOverTheDistance)
     // l = L: cos(pi) = -1, so sigma = b/2 (L^2 - 4 L^2 / pi^2) / L.
     double const span = 100.0;
     double const b = 1.0 / 600.0;
-    double const expected = b / 2.0 * (span * span - 4.0 * span * span / (Pi * Pi)) / span;
-    EXPECT_NEAR(Access::Sigma(Pi / span, b, span).Double(), expected, 1e-15);
-    EXPECT_NEAR(Access::Sigma(Pi / span, -b, span).Double(), -expected, 1e-15);
+    double const expected = b / 2.0 * (span * span - 4.0 * span * span / (CAPi * CAPi)) / span;
+    EXPECT_NEAR(Access::Sigma(CAPi / span, b, span).Double(), expected, 1e-15);
+    EXPECT_NEAR(Access::Sigma(CAPi / span, -b, span).Double(), -expected, 1e-15);
     // It is close to the chord angle of the curve itself.
-    Exact const ex = Integrate(Pi / span, b, span);
-    EXPECT_NEAR(Access::Sigma(Pi / span, b, span).Double(), std::atan2(ex.y, ex.x), 1e-4);
+    Exact const ex = Integrate(CAPi / span, b, span);
+    EXPECT_NEAR(Access::Sigma(CAPi / span, b, span).Double(), std::atan2(ex.y, ex.x), 1e-4);
 }
 
 TEST(HalfSinTau, ForwardDifferenceOverAMillimetre)
@@ -318,7 +322,7 @@ TEST(HalfSinTau, AngleDifferenceLiesInOneTurn)
     // rises to the left of the abscissa and the angle is small and positive;
     // bending left it falls, and the angle is a full turn less a little, never
     // negative.
-    double const a = Pi / 100.0;
+    double const a = CAPi / 100.0;
     double const b = 1.0 / 600.0;
     for (double l : {0.0, 30.0, 100.0}) {
         double const dx = SeriesX(a, b, l + 0.001) - SeriesX(a, b, l);
@@ -333,9 +337,9 @@ TEST(HalfSinTau, AngleDifferenceLiesInOneTurn)
         double const down = std::atan2(dyl, dxl);
         ASSERT_LT(down, 0.0);
         double const tau = Access::Tau(a, -b, l).Double();
-        EXPECT_NEAR(tau, 2.0 * Pi + down, 1e-9) << l;
+        EXPECT_NEAR(tau, 2.0 * CAPi + down, 1e-9) << l;
         EXPECT_GE(tau, 0.0);
-        EXPECT_LT(tau, 2.0 * Pi);
+        EXPECT_LT(tau, 2.0 * CAPi);
     }
 }
 
@@ -343,7 +347,7 @@ TEST(HalfSinTau, CloseToTheHeadingOfTheCurve)
 {
     for (double r : {300.0, -300.0, 1500.0}) {
         double const span = 90.0;
-        double const a = Pi / span;
+        double const a = CAPi / span;
         double const b = 1.0 / (2.0 * r);
         for (double l = 0.0; l <= span; l += 15.0) {
             // Heading b (l - sin(a l) / a), the integral of the curvature.
@@ -362,22 +366,22 @@ TEST(HalfSinTauNeu, ClosedFormFromSpanAndEndRadius)
     e.Start.Station = 1000.0;
     e.End.Station = 1100.0;
     e.End.Radius = 500.0;
-    e.ComplexType = 0;
+    e.ComplexType = TComplexType::StraightIntoCurve;
     // l = L/2: cos(pi/2) = 0, (1/R) (L/4 - L/pi^2).
-    EXPECT_NEAR(Access::TauNeu(e, 50.0), (25.0 - 100.0 / (Pi * Pi)) / 500.0, 1e-15);
+    EXPECT_NEAR(Access::TauNeu(e, 50.0), (25.0 - 100.0 / (CAPi * CAPi)) / 500.0, 1e-15);
     EXPECT_NEAR(Access::TauNeu(e, 50.0), 0.0297358, 1e-7);
     // l = L: cos(pi) = -1, (1/R) (L - 2L/pi^2).
-    EXPECT_NEAR(Access::TauNeu(e, 100.0), (100.0 - 200.0 / (Pi * Pi)) / 500.0, 1e-15);
+    EXPECT_NEAR(Access::TauNeu(e, 100.0), (100.0 - 200.0 / (CAPi * CAPi)) / 500.0, 1e-15);
     EXPECT_NEAR(Access::TauNeu(e, 0.0), 0.0, 1e-15);
     // End.Radius is read whatever the kind.
-    e.ComplexType = 1;
+    e.ComplexType = TComplexType::CurveIntoStraight;
     e.Start.Radius = 250.0;
-    EXPECT_NEAR(Access::TauNeu(e, 50.0), (25.0 - 100.0 / (Pi * Pi)) / 500.0, 1e-15);
+    EXPECT_NEAR(Access::TauNeu(e, 50.0), (25.0 - 100.0 / (CAPi * CAPi)) / 500.0, 1e-15);
     e.End.Radius = 0.0;
-    EXPECT_EQ(Access::TauNeu(e, 50.0), Pi / 2.0);
+    EXPECT_EQ(Access::TauNeu(e, 50.0), CAPi / 2.0);
     e.End.Radius = 500.0;
     e.End.Station = 1000.0;
-    EXPECT_EQ(Access::TauNeu(e, 50.0), Pi / 2.0);
+    EXPECT_EQ(Access::TauNeu(e, 50.0), CAPi / 2.0);
 }
 
 // ---------------------------------------------------------------------------
@@ -411,13 +415,13 @@ TEST_P(HalfSinBothKinds, KleinpunktPlacesTheSeriesPointExactly)
     Layout const l = Make(type, CACoordinate(500.0, -300.0), 4.0, r, 0.0, 80.0);
     CACoordinate const chord = l.element.End.Coordinate - l.element.Start.Coordinate;
     double const ac = std::atan2(chord.East().Double(), chord.North().Double());
-    double const sigma = l.b / 2.0 * (80.0 * 80.0 + 2.0 / (l.a * l.a) * (std::cos(Pi) - 1.0)) / 80.0;
+    double const sigma = l.b / 2.0 * (80.0 * 80.0 + 2.0 / (l.a * l.a) * (std::cos(CAPi) - 1.0)) / 80.0;
     for (double s = 0.0; s <= 80.0; s += 10.0) {
         double const d = FromOrigin(l, s);
         double const x = SeriesX(l.a, l.b, d);
         double const y = SeriesY(l.a, l.b, d);
         CACoordinate expected;
-        if (type == 0) {
+        if (type == TComplexType::StraightIntoCurve) {
             expected = Place(l.element.Start.Coordinate, ac - sigma, x, -y);
         } else {
             expected = Place(l.element.End.Coordinate, ac + sigma, -x, -y);
@@ -434,12 +438,12 @@ TEST_P(HalfSinBothKinds, OriginStationLiesTheOriginOrdinateToTheRight)
     double const r = std::get<1>(GetParam());
     Layout const l = Make(type, CACoordinate(2600000.0, 1200000.0), 2.0, r, 0.0, 100.0);
     double const dy0 = 133.0 * std::pow(l.b, 3.0) / (72.0 * std::pow(l.a, 4.0));
-    CAxisPointSpec const p = At(l.element, type == 0 ? 0.0 : 100.0);
+    CAxisPointSpec const p = At(l.element, type == TComplexType::StraightIntoCurve ? 0.0 : 100.0);
     CACoordinate const off = p.Coordinate - l.origin;
     EXPECT_NEAR(off.Length().Double(), std::fabs(dy0), 1e-8);
     // Right of the direction of travel at the origin.
-    double const right = off.East().Double() * std::sin(l.tangent + Pi / 2.0) +
-                         off.North().Double() * std::cos(l.tangent + Pi / 2.0);
+    double const right = off.East().Double() * std::sin(l.tangent + CAPi / 2.0) +
+                         off.North().Double() * std::cos(l.tangent + CAPi / 2.0);
     EXPECT_NEAR(right, dy0, 1e-4 * std::fabs(dy0) + 1e-8);
     EXPECT_NEAR(AngleDiff(p.Azimuth.Double(), l.tangent), 0.0, 1e-5);
 }
@@ -498,8 +502,10 @@ INSTANTIATE_TEST_SUITE_P(KindsAndBends, HalfSinBothKinds,
 
 TEST(HalfSinKleinpunkt, UnsupportedTypesLeaveTheOutputUntouched)
 {
-    Layout l = Make(0, CACoordinate(0.0, 0.0), 1.0, 400.0, 0.0, 50.0);
-    for (std::int32_t type : {2, 3, -1, 99}) {
+    Layout l = Make(TComplexType::StraightIntoCurve, CACoordinate(0.0, 0.0), 1.0, 400.0, 0.0, 50.0);
+    for (std::int32_t type : std::initializer_list<std::int32_t>{TComplexType::CurveIntoTighterCurve,
+                                                                 TComplexType::CurveIntoWiderCurve,
+                                                                 TComplexType::NotClassified, 99}) {
         l.element.ComplexType = type;
         CAxisPointSpec p = Marker();
         CMathHalfSin::Kleinpunkt(l.element, CALength(20.0), &p);
@@ -516,7 +522,7 @@ TEST(HalfSinKleinpunkt, UnsupportedTypesLeaveTheOutputUntouched)
 // A practically straight element from (0, 0) due East, stations 0..100.
 Layout Straightish()
 {
-    return Make(0, CACoordinate(0.0, 0.0), Pi / 2.0, 1e12, 0.0, 100.0);
+    return Make(TComplexType::StraightIntoCurve, CACoordinate(0.0, 0.0), CAPi / 2.0, 1e12, 0.0, 100.0);
 }
 
 TEST(HalfSinIterate, DivisorFromTheOffsetAcrossTheTangent)
@@ -538,7 +544,8 @@ TEST(HalfSinIterate, DivisorFromTheOffsetAcrossTheTangent)
 
 TEST(HalfSinIterate, PointOnTheElementConvergesInTheFirstStep)
 {
-    Layout const l = Make(1, CACoordinate(2600000.0, 1200000.0), 0.2, -600.0, 0.0, 90.0);
+    Layout const l =
+        Make(TComplexType::CurveIntoStraight, CACoordinate(2600000.0, 1200000.0), 0.2, -600.0, 0.0, 90.0);
     CACoordinate const p = At(l.element, 33.0).Coordinate;
     CAxisPointSpec out;
     EXPECT_EQ(Access::Iterate(l.element, CALength(33.0), p, &out), TPointMathResult::OnElement);
@@ -547,7 +554,8 @@ TEST(HalfSinIterate, PointOnTheElementConvergesInTheFirstStep)
 
 TEST(HalfSinIterate, StartStationAtOrOutsideIsMovedInside)
 {
-    Layout const l = Make(0, CACoordinate(100.0, 100.0), 0.4, 500.0, 50.0, 80.0);
+    Layout const l =
+        Make(TComplexType::StraightIntoCurve, CACoordinate(100.0, 100.0), 0.4, 500.0, 50.0, 80.0);
     CACoordinate const nearStart = At(l.element, 50.0001).Coordinate;
     CACoordinate const nearEnd = At(l.element, 129.9999).Coordinate;
     for (double s0 : {50.0, 49.0, -1e9}) {
@@ -566,7 +574,7 @@ TEST(HalfSinIterate, FarOffTheElementIsStillIterated)
 {
     // 1000 m across on the outer side of a curve: divisor 8, and the foot is
     // found (the fixed offsets of the cubic parabola would give up at 2000).
-    for (int type : {0, 1}) {
+    for (int type : {TComplexType::StraightIntoCurve, TComplexType::CurveIntoStraight}) {
         for (double r : {1000.0, -1000.0}) {
             Layout const l = Make(type, CACoordinate(0.0, 0.0), 0.0, r, 0.0, 100.0);
             CAxisPointSpec const k = At(l.element, 60.0);
@@ -597,7 +605,7 @@ TEST(HalfSinLot, FirstTrialStationIsTheDistanceAlongTheStartTangent)
     e.End.Station = 1100.0;
     e.Start.Radius = 0.0;
     e.End.Radius = 1e12;
-    e.ComplexType = 0;
+    e.ComplexType = TComplexType::StraightIntoCurve;
     for (double side : {30.0, -30.0}) {
         CAxisPointSpec out;
         EXPECT_EQ(CMathHalfSin::Lot(e, CACoordinate(70.0, side), &out), TPointMathResult::OnElement);
@@ -620,7 +628,7 @@ TEST(HalfSinIterate, RunsOutOfStepsWhenTheFootIsBeyondTheEnd)
 
 TEST(HalfSinLot, NotANumberPointStopsAtOnce)
 {
-    Layout const l = Make(0, CACoordinate(0.0, 0.0), 0.5, 400.0, 0.0, 50.0);
+    Layout const l = Make(TComplexType::StraightIntoCurve, CACoordinate(0.0, 0.0), 0.5, 400.0, 0.0, 50.0);
     double const nan = std::numeric_limits<double>::quiet_NaN();
     CAxisPointSpec out;
     EXPECT_EQ(CMathHalfSin::Lot(l.element, CACoordinate(nan, 5.0), &out), TPointMathResult::OnElement);
@@ -642,7 +650,7 @@ TEST(HalfSinLot, NonFiniteInputTerminates)
         e.End.Station = values[pick(rng)];
         e.Start.Radius = values[pick(rng)];
         e.End.Radius = values[pick(rng)];
-        e.ComplexType = i % 2;
+        e.ComplexType = (i % 2 == 0) ? TComplexType::StraightIntoCurve : TComplexType::CurveIntoStraight;
         CACoordinate const p(values[pick(rng)], values[pick(rng)]);
         CAxisPointSpec out;
         int const res = CMathHalfSin::Lot(e, p, &out);
@@ -664,7 +672,7 @@ TEST(HalfSinProperties, GeneratedElements)
     std::mt19937_64 rng(99);
     std::uniform_real_distribution<double> east(2590000.0, 2610000.0);
     std::uniform_real_distribution<double> north(1190000.0, 1210000.0);
-    std::uniform_real_distribution<double> az(0.0, 2.0 * Pi);
+    std::uniform_real_distribution<double> az(0.0, 2.0 * CAPi);
     std::uniform_real_distribution<double> radius(400.0, 3000.0);
     std::uniform_real_distribution<double> span(40.0, 150.0);
     std::uniform_real_distribution<double> station(0.0, 50000.0);
@@ -693,7 +701,7 @@ TEST(HalfSinProperties, GeneratedElements)
 
         // The origin's station gives the origin (up to the series' ordinate
         // at l = 0).
-        CAxisPointSpec const o = At(l.element, type == 0 ? s0 : s0 + len);
+        CAxisPointSpec const o = At(l.element, type == TComplexType::StraightIntoCurve ? s0 : s0 + len);
         ExpectNear(o.Coordinate, l.origin, tol);
 
         // Before the start and beyond the end, with the end points.
@@ -712,7 +720,8 @@ TEST(HalfSinProperties, GeneratedElements)
 
         // Unsupported kinds.
         CAxisComplexSpec other = l.element;
-        other.ComplexType = 2 + type;
+        other.ComplexType = (type == TComplexType::StraightIntoCurve) ? TComplexType::CurveIntoTighterCurve
+                                                                      : TComplexType::CurveIntoWiderCurve;
         CAxisPointSpec m = Marker();
         EXPECT_EQ(CMathHalfSin::Lot(other, k.Coordinate, &m), TPointMathResult::NoSolution);
         ExpectMarker(m);

@@ -18,7 +18,7 @@ using zelmath::TPointMathResult;
 
 namespace {
 
-constexpr double kPi = zeltest::Pi;
+using zellib::CAPi;
 
 using zeltest::DistanceFromLine;
 using zeltest::Prefilled;
@@ -99,7 +99,7 @@ TEST(LineLot, BeforeStartClampsToStart)
     EXPECT_EQ(out.Coordinate.East().Double(), 0.0);
     EXPECT_EQ(out.Coordinate.North().Double(), 0.0);
     EXPECT_EQ(out.Station.Double(), 0.0);
-    EXPECT_NEAR(out.Azimuth.Double(), kPi / 2.0, 1e-15);
+    EXPECT_NEAR(out.Azimuth.Double(), CAPi / 2.0, 1e-15);
     EXPECT_EQ(out.Radius.Double(), 0.0);
 }
 
@@ -123,7 +123,7 @@ TEST(LineLot, StartPointItselfIsOnElement)
     EXPECT_EQ(out.Coordinate.East().Double(), 0.0);
     EXPECT_EQ(out.Coordinate.North().Double(), 0.0);
     EXPECT_EQ(out.Station.Double(), 0.0);
-    EXPECT_NEAR(out.Azimuth.Double(), kPi / 4.0, 1e-15);
+    EXPECT_NEAR(out.Azimuth.Double(), CAPi / 4.0, 1e-15);
 
     // The same just past the end.
     CACoordinate const beyond(6.0 + 0.9e-10, 6.0 + 0.9e-10);
@@ -199,7 +199,8 @@ TEST(LineLot, FootInside)
 
 TEST(LinePointOnLine, AlongAzimuth)
 {
-    CACoordinate p = CMathLine::PointOnLine(CACoordinate(100.0, 200.0), CAAzimuth(kPi / 2.0), CALength(10.0));
+    CACoordinate p =
+        CMathLine::PointOnLine(CACoordinate(100.0, 200.0), CAAzimuth(CAPi / 2.0), CALength(10.0));
     EXPECT_NEAR(p.East().Double(), 110.0, 1e-12);
     EXPECT_NEAR(p.North().Double(), 200.0, 1e-12);
     p = CMathLine::PointOnLine(CACoordinate(100.0, 200.0), CAAzimuth(0.0), CALength(-5.0));
@@ -297,8 +298,8 @@ TEST(LineIntLineLine, ByAzimuthsMeetsAsByPoints)
 {
     CACoordinate out;
     // From the origin to the North-East and from (10, 0) to the North-West.
-    EXPECT_EQ(CMathLine::IntLineLine(CACoordinate(0.0, 0.0), CAAzimuth(kPi / 4.0), CACoordinate(10.0, 0.0),
-                                     CAAzimuth(7.0 * kPi / 4.0), &out),
+    EXPECT_EQ(CMathLine::IntLineLine(CACoordinate(0.0, 0.0), CAAzimuth(CAPi / 4.0), CACoordinate(10.0, 0.0),
+                                     CAAzimuth(7.0 * CAPi / 4.0), &out),
               TIntersectionResult::OneIntersection);
     EXPECT_NEAR(out.East().Double(), 5.0, 1e-12);
     EXPECT_NEAR(out.North().Double(), 5.0, 1e-12);
@@ -307,14 +308,14 @@ TEST(LineIntLineLine, ByAzimuthsMeetsAsByPoints)
     // differs from the first by sin(0) = 0, so they are North/South lines.
     CACoordinate untouched(1.5, 2.5);
     EXPECT_EQ(CMathLine::IntLineLine(CACoordinate(3.0, 0.0), CAAzimuth(0.0), CACoordinate(3.0, 50.0),
-                                     CAAzimuth(kPi), &untouched),
+                                     CAAzimuth(CAPi), &untouched),
               TIntersectionResult::Coincident);
     EXPECT_EQ(untouched.East().Double(), 1.5);
 
     std::mt19937_64 rng(42);
     std::uniform_real_distribution<double> east(2600000.0 - 500.0, 2600000.0 + 500.0);
     std::uniform_real_distribution<double> north(1200000.0 - 500.0, 1200000.0 + 500.0);
-    std::uniform_real_distribution<double> azimuth(0.0, 2.0 * kPi);
+    std::uniform_real_distribution<double> azimuth(0.0, 2.0 * CAPi);
     for (int i = 0; i < 500; ++i) {
         CACoordinate const P1(east(rng), north(rng));
         CACoordinate const P3(east(rng), north(rng));
@@ -464,7 +465,7 @@ TEST(LineProperties, KleinpunktThenLotGivesTheStationBack)
 {
     std::mt19937_64 rng(1234567);
     std::uniform_real_distribution<double> unit(0.0, 1.0);
-    std::uniform_real_distribution<double> azimuth(0.0, 2.0 * kPi);
+    std::uniform_real_distribution<double> azimuth(0.0, 2.0 * CAPi);
     for (int i = 0; i < 2000; ++i) {
         bool const survey = (i % 2) == 0;
         double const e0 = survey ? 2600000.0 + 1000.0 * unit(rng) : -100.0 + 200.0 * unit(rng);
@@ -506,7 +507,7 @@ TEST(LineProperties, PointOnLineThenLengthGivesTheDistance)
         CACoordinate const start(survey ? 2600000.0 + 1000.0 * unit(rng) : 10.0 * unit(rng),
                                  survey ? 1200000.0 + 1000.0 * unit(rng) : 10.0 * unit(rng));
         double const distance = -2000.0 + 4000.0 * unit(rng);
-        CAAzimuth const az(2.0 * kPi * unit(rng));
+        CAAzimuth const az(2.0 * CAPi * unit(rng));
         CACoordinate const p = CMathLine::PointOnLine(start, az, CALength(distance));
         EXPECT_NEAR(CMathLine::Length(start, p).Double(), std::fabs(distance), survey ? 1e-6 : 1e-9);
         // And in the direction of the azimuth (or against it for a negative distance).

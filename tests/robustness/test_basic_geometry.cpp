@@ -3,7 +3,7 @@
 // lengths and coincident points. Every call must come back without a crash or
 // a sanitizer report; its outcome is what the computation's own steps give for
 // such numbers (a result code, NaN passed through, or the documented refusal).
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -12,7 +12,7 @@
 #include <cmath>
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 namespace {
 
@@ -239,8 +239,8 @@ TEST(ClassificationUnderBadInput, AlwaysAKindAndTheRadiiUntouched)
             e.Start.Radius = rs;
             e.End.Radius = re;
             CMathComplexShape::GetComplextype(&e);
-            EXPECT_GE(e.ComplexType, 0);
-            EXPECT_LE(e.ComplexType, 3);
+            EXPECT_GE(e.ComplexType, TComplexType::StraightIntoCurve);
+            EXPECT_LE(e.ComplexType, TComplexType::CurveIntoWiderCurve);
             EXPECT_TRUE(e.Start.Radius.Double() == rs || (IsNaN(rs) && IsNaN(e.Start.Radius.Double())));
             EXPECT_TRUE(e.End.Radius.Double() == re || (IsNaN(re) && IsNaN(e.End.Radius.Double())));
         }

@@ -3,7 +3,7 @@
 // operation of every class of the library is called inside such a window, on
 // railway elements and on awkward numbers, with a station map that lives on
 // the stack. The test framework's own allocations happen outside the windows.
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -134,7 +134,7 @@ void operator delete[](void* p, std::align_val_t, std::nothrow_t const&) noexcep
 }
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 namespace {
 
@@ -347,7 +347,8 @@ TEST(NoHeap, TrianglesAndClassification)
                       Keep(CMathTriangle::AngleFromDistance(CALength(3.0), CALength(4.0), CALength(v)));
                       Keep(CMathTriangle::DistanceFromAngle(CAAngle(0.5), CAAngle(v), CALength(3.0)));
                       Keep(CMathTriangle::DistanceFromAngle(CALength(3.0), CALength(v), CAAngle(0.7)));
-                      for (int shape = 0; shape < 4; ++shape) {
+                      for (int shape = TComplexType::StraightIntoCurve;
+                           shape <= TComplexType::CurveIntoWiderCurve; ++shape) {
                           CAxisComplexSpec e = RailwayTransition(shape);
                           e.End.Radius = v;
                           CMathComplexShape::GetComplextype(&e);
@@ -361,7 +362,8 @@ TEST(NoHeap, TrianglesAndClassification)
 TEST(NoHeap, Clothoid)
 {
     EXPECT_EQ(AllocationsDuring([&] {
-                  for (int shape = 0; shape < 4; ++shape) {
+                  for (int shape = TComplexType::StraightIntoCurve;
+                       shape <= TComplexType::CurveIntoWiderCurve; ++shape) {
                       CAxisComplexSpec const e = RailwayTransition(shape);
                       for (double v : Numbers) {
                           CAxisPointSpec out;
@@ -401,7 +403,8 @@ TEST(NoHeap, Clothoid)
 TEST(NoHeap, CubicParabolaAndHalfSine)
 {
     EXPECT_EQ(AllocationsDuring([&] {
-                  for (int shape = 0; shape < 4; ++shape) {
+                  for (int shape = TComplexType::StraightIntoCurve;
+                       shape <= TComplexType::CurveIntoWiderCurve; ++shape) {
                       CAxisComplexSpec const e = RailwayTransition(shape);
                       for (double v : Numbers) {
                           CAxisPointSpec out;

@@ -4,7 +4,7 @@
 // back; its outcome is what the solver's own steps give for such numbers: a
 // refusal with the outputs untouched, NaN carried through, or the value the
 // steps produce, worked out here by hand.
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -13,7 +13,7 @@
 #include <cmath>
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 namespace zelmath {
 struct CMathLongProfCurveTestAccess {

@@ -6,7 +6,7 @@
 // tunnel-metre conversion must give up at its step limit where it can never
 // converge.
 #include "common/station_maps.h"
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -16,7 +16,7 @@
 #include <vector>
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 namespace {
 

@@ -3,7 +3,7 @@
 // zero radii, NaN, infinities, huge values and denormals. Every call must come
 // back; the iterations must stop within their step limits even where they can
 // never converge, and the recursive start-point clothoid must stop too.
-#include "robustness/robust_support.h"
+#include "common/robust_support.h"
 
 #include <zelmath/zelmath.h>
 
@@ -12,7 +12,7 @@
 #include <cmath>
 
 using namespace zelmath;
-using namespace zelrobust;
+using namespace zeltest;
 
 // Reach the iterations themselves, to drive them where the projections'
 // end tests would stop earlier.
@@ -63,7 +63,9 @@ char const* Name(Family f)
 // The shapes that each family handles (the other two answer as unknown kinds).
 bool Handles(Family f, int shape)
 {
-    return f == Family::Clothoid ? (shape >= 0 && shape <= 3) : (shape == 0 || shape == 1);
+    return f == Family::Clothoid
+               ? (shape >= TComplexType::StraightIntoCurve && shape <= TComplexType::CurveIntoWiderCurve)
+               : (shape == TComplexType::StraightIntoCurve || shape == TComplexType::CurveIntoStraight);
 }
 
 void Point(Family f, CAxisComplexSpec const& e, double station, CAxisPointSpec* out)
@@ -132,7 +134,7 @@ TEST(TransitionsUnderBadInput, UnknownShapesLeaveTheOutputUntouched)
 {
     for (Family f : AllFamilies) {
         for (int shape : {CAxisComplexSpec::NotClassified, 4, 1000, -7}) {
-            CAxisComplexSpec e = RailwayTransition(0);
+            CAxisComplexSpec e = RailwayTransition(TComplexType::StraightIntoCurve);
             e.ComplexType = shape;
             CAxisPointSpec out = Marked();
             Point(f, e, 1050.0, &out);
@@ -141,7 +143,7 @@ TEST(TransitionsUnderBadInput, UnknownShapesLeaveTheOutputUntouched)
             EXPECT_TRUE(SameBits(out, Marked())) << Name(f) << " shape " << shape;
         }
     }
-    CAxisComplexSpec e = RailwayTransition(0);
+    CAxisComplexSpec e = RailwayTransition(TComplexType::StraightIntoCurve);
     e.ComplexType = 9;
     EXPECT_EQ(CMathClothoid::Length(e).Double(), 0.0);
 }
@@ -149,7 +151,7 @@ TEST(TransitionsUnderBadInput, UnknownShapesLeaveTheOutputUntouched)
 TEST(TransitionsUnderBadInput, TransitionsWithoutOriginShapeAreUnknownToParabolaAndHalfSine)
 {
     for (Family f : {Family::CubicParabola, Family::HalfSine}) {
-        for (int shape : {2, 3}) {
+        for (int shape : {TComplexType::CurveIntoTighterCurve, TComplexType::CurveIntoWiderCurve}) {
             CAxisComplexSpec const e = RailwayTransition(shape);
             CAxisPointSpec out = Marked();
             Point(f, e, 1050.0, &out);
@@ -163,7 +165,7 @@ TEST(ClothoidUnderBadInput, ZeroParameterStaysAtTheStart)
 {
     // A = 0: every local point is (0, 0) and its chord angle Sign(0) * pi, so the
     // origin tangent is the chord azimuth minus pi and every station gives Cs.
-    CAxisComplexSpec e = RailwayTransition(0);
+    CAxisComplexSpec e = RailwayTransition(TComplexType::StraightIntoCurve);
     e.Parameter = 0.0;
     EXPECT_EQ(CMathClothoid::Length(e).Double(), 0.0);
     CACoordinate const chord = e.End.Coordinate - e.Start.Coordinate;
@@ -183,7 +185,7 @@ TEST(ClothoidUnderBadInput, ZeroSpanWithCoincidentEnds)
 {
     // No length and no chord: chord azimuth 0, chord angle pi at length 0, so
     // the origin tangent points due South and the point is the start itself.
-    CAxisComplexSpec e = RailwayTransition(0);
+    CAxisComplexSpec e = RailwayTransition(TComplexType::StraightIntoCurve);
     e.End.Station = e.Start.Station;
     e.End.Coordinate = e.Start.Coordinate;
     CAxisPointSpec out;
@@ -197,10 +199,10 @@ TEST(ClothoidUnderBadInput, ZeroSpanWithCoincidentEnds)
 TEST(ClothoidUnderBadInput, ZeroRadiusAtTheCurvedEndHasNoLength)
 {
     // A^2 / |0| is unguarded for the shapes with an end on a straight.
-    CAxisComplexSpec e = RailwayTransition(0);
+    CAxisComplexSpec e = RailwayTransition(TComplexType::StraightIntoCurve);
     e.End.Radius = 0.0;
     EXPECT_EQ(CMathClothoid::Length(e).Double(), Inf);
-    e = RailwayTransition(1);
+    e = RailwayTransition(TComplexType::CurveIntoStraight);
     e.Start.Radius = 0.0;
     EXPECT_EQ(CMathClothoid::Length(e).Double(), Inf);
 }
@@ -210,7 +212,7 @@ TEST(ClothoidUnderBadInput, NaNPointEndsAtTheFirstClampedStation)
     // Neither end test holds for NaN; the start value Ss + NaN is not above Ss
     // by the value comparison, so it is clamped to Ss + 0.0001, and the NaN
     // distance along the tangent is not above 0.0004: done at once.
-    for (int shape = 0; shape < 4; ++shape) {
+    for (int shape = TComplexType::StraightIntoCurve; shape <= TComplexType::CurveIntoWiderCurve; ++shape) {
         CAxisComplexSpec const e = RailwayTransition(shape);
         CAxisPointSpec foot;
         EXPECT_EQ(CMathClothoid::Lot(e, CACoordinate(NaN, e.Start.Coordinate.North().Double()), &foot),
@@ -224,7 +226,7 @@ TEST(ClothoidUnderBadInput, PointsFarAcrossTheTangentFailAtOnce)
 {
     // 1e300 m to the side of the element's middle: beyond either end, or more
     // than 2000 m off the tangent at the first step.
-    for (int shape = 0; shape < 4; ++shape) {
+    for (int shape = TComplexType::StraightIntoCurve; shape <= TComplexType::CurveIntoWiderCurve; ++shape) {
         CAxisComplexSpec const e = RailwayTransition(shape);
         CACoordinate const side(e.Start.Coordinate.East().Double() - Huge, e.Start.Coordinate.North().Double());
         CAxisPointSpec foot;
@@ -241,7 +243,7 @@ TEST(IterationsUnderBadInput, StopAtTheirStepLimitWhenTheFootLiesBeyondTheClamp)
     // element: every step is clamped back to End.Station - 0.0001, the distance
     // along the tangent stays near 1 m, so the iteration can never converge and
     // must give up at its step limit with the clamped foot.
-    CAxisComplexSpec const e = RailwayTransition(0);
+    CAxisComplexSpec const e = RailwayTransition(TComplexType::StraightIntoCurve);
     double const endTangent = 0.7 + 150.0 * 150.0 / (2.0 * 300.0 * 300.0);
     CACoordinate const beyond(e.End.Coordinate.East().Double() + std::sin(endTangent),
                               e.End.Coordinate.North().Double() + std::cos(endTangent));
@@ -260,7 +262,7 @@ TEST(IterationsUnderBadInput, ReversedStationSpanIsAlwaysClampedAndStops)
     // Start.Station above End.Station: every station is moved above the start
     // and then below the end, so each step evaluates End.Station - 0.0001.
     for (Family f : AllFamilies) {
-        CAxisComplexSpec e = RailwayTransition(0);
+        CAxisComplexSpec e = RailwayTransition(TComplexType::StraightIntoCurve);
         std::swap(e.Start.Station, e.End.Station);
         FinishesInTime(Name(f), [&] {
             CAxisPointSpec out;
@@ -292,7 +294,8 @@ TEST(TransitionsUnderBadInput, EveryFieldTakesEveryAwkwardNumber)
     };
     for (Family f : AllFamilies) {
         FinishesInTime(Name(f), [&] {
-            for (int shape = 0; shape < 4; ++shape) {
+            for (int shape = TComplexType::StraightIntoCurve; shape <= TComplexType::CurveIntoWiderCurve;
+                 ++shape) {
                 if (!Handles(f, shape)) {
                     continue;
                 }
@@ -391,8 +394,18 @@ TEST(ClothoidStartPointUnderBadInput, EveryCombinationComesBack)
                         CACoordinate point;
                         CAAzimuth azimuth;
                         CALength radius;
-                        (void)CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.7), CALength(r1), CALength(r2), CALength(l),
-                                                        CALength(d), point, azimuth, radius);
+                        bool const ok =
+                            CMathClothoid::Kleinpunkt(c0, CAAzimuth(0.7), CALength(r1), CALength(r2),
+                                                      CALength(l), CALength(d), point, azimuth, radius);
+                        if (r1 == r2) {
+                            // Equal radii (the same number, or 0 and -0) are no
+                            // transition: refused, the outputs left at the start.
+                            EXPECT_FALSE(ok) << r1 << " " << l << " " << d;
+                            EXPECT_EQ(point.East().Double(), c0.East().Double());
+                            EXPECT_EQ(point.North().Double(), c0.North().Double());
+                            EXPECT_EQ(azimuth.Double(), 0.7);
+                            EXPECT_EQ(radius.Double(), r1);
+                        }
                     }
                 }
             }

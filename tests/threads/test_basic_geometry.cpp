@@ -1,8 +1,8 @@
 // The straight, the triangle solutions, the transition classification, the
 // circular arc and the plane called from many threads at once on shared inputs:
 // every outcome must equal the single-threaded one bit for bit.
-#include "threads/thread_check.h"
-#include "threads/thread_inputs.h"
+#include "common/thread_check.h"
+#include "common/thread_inputs.h"
 
 #include <zelmath/zelmath.h>
 
@@ -11,9 +11,9 @@
 #include <vector>
 
 using namespace zelmath;
-using zelthreads::ExpectSameFromManyThreads;
-using zelthreads::InputSource;
-using zelthreads::Outcome;
+using zeltest::ExpectSameFromManyThreads;
+using zeltest::InputSource;
+using zeltest::Outcome;
 
 namespace {
 

@@ -4,8 +4,8 @@
 // stations; every height, slope, length and station must equal the
 // single-threaded one bit for bit.
 #include "common/station_maps.h"
-#include "threads/thread_check.h"
-#include "threads/thread_inputs.h"
+#include "common/thread_check.h"
+#include "common/thread_inputs.h"
 
 #include <zelmath/zelmath.h>
 
@@ -16,9 +16,9 @@
 #include <vector>
 
 using namespace zelmath;
-using zelthreads::ExpectSameFromManyThreads;
-using zelthreads::InputSource;
-using zelthreads::Outcome;
+using zeltest::ExpectSameFromManyThreads;
+using zeltest::InputSource;
+using zeltest::Outcome;
 
 namespace {
 

@@ -1,8 +1,8 @@
 // The clothoid, cubic parabola and half-sine transitions called from many
 // threads at once on shared elements and measured points: every point, foot
 // and result code must equal the single-threaded one bit for bit.
-#include "threads/thread_check.h"
-#include "threads/thread_inputs.h"
+#include "common/thread_check.h"
+#include "common/thread_inputs.h"
 
 #include <zelmath/zelmath.h>
 
@@ -12,9 +12,9 @@
 #include <vector>
 
 using namespace zelmath;
-using zelthreads::ExpectSameFromManyThreads;
-using zelthreads::InputSource;
-using zelthreads::Outcome;
+using zeltest::ExpectSameFromManyThreads;
+using zeltest::InputSource;
+using zeltest::Outcome;
 
 namespace {
 
@@ -89,7 +89,8 @@ TEST(ConcurrentCalls, CubicParabola)
         CAxisPointSpec out;
         CMathCbcParabol::Kleinpunkt(c.element, CALength(c.station), &out);
         o.Add(out);
-        if (c.element.ComplexType == 0 || c.element.ComplexType == 1) {
+        if (c.element.ComplexType == TComplexType::StraightIntoCurve ||
+            c.element.ComplexType == TComplexType::CurveIntoStraight) {
             o.Add(CMathCbcParabol::Length(c.element));
         }
         o.Add(static_cast<int>(CMathCbcParabol::Lot(c.element, c.point, &out)));

@@ -1,7 +1,10 @@
 // Plane and spatial coordinates of zellib. A plane coordinate is a point or a
 // vector with an East and a North component (X is East, Y is North); azimuths
 // run clockwise from North, so a vector of length d at azimuth a is
-// (d sin a, d cos a).
+// (d sin a, d cos a). Components are metres.
+//
+// Contract: plain values; nothing here throws or allocates; distinct objects
+// may be used from different threads at once, and a const object from many.
 #pragma once
 
 #include <cmath>

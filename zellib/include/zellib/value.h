@@ -1,6 +1,11 @@
 // Scalar value types of zellib: a plain double wrapped with the tolerant
 // comparisons every surveying computation uses, and the kinds of quantity built
 // on it (lengths, angles, azimuths, slopes).
+//
+// Contract of every type here: a plain value of one double; construction,
+// copying, arithmetic and comparison never throw and never allocate; distinct
+// objects may be used from different threads at once, and a const object from
+// many. NaN passes through arithmetic as NaN and compares unequal.
 #pragma once
 
 #include <cmath>

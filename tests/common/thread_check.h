@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-namespace zelthreads {
+namespace zeltest {
 
 // Number of threads calling the library at once.
 constexpr int ThreadCount = 8;
@@ -116,4 +116,4 @@ inline void ExpectSameFromManyThreads(std::size_t caseCount, Computation const& 
     }
 }
 
-}  // namespace zelthreads
+}  // namespace zeltest

@@ -6,30 +6,15 @@
 
 #include <zelmath/records.h>
 
+#include "common/awkward_numbers.h"
+
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <random>
 #include <vector>
 
-namespace zelthreads {
-
-// Awkward numbers mixed into the inputs.
-inline std::vector<double> const& AwkwardNumbers()
-{
-    static std::vector<double> const values = {
-        std::numeric_limits<double>::quiet_NaN(),
-        std::numeric_limits<double>::infinity(),
-        -std::numeric_limits<double>::infinity(),
-        1e300,
-        -1e300,
-        std::numeric_limits<double>::denorm_min(),
-        -std::numeric_limits<double>::denorm_min(),
-        0.0,
-        -0.0,
-    };
-    return values;
-}
+namespace zeltest {
 
 // Draws numbers around a centre, now and then replaced by an awkward one.
 class InputSource {
@@ -39,7 +24,7 @@ public:
     double Around(double centre, double spread)
     {
         if (std::uniform_int_distribution<int>(0, 9)(m_random) == 0) {
-            auto const& awkward = AwkwardNumbers();
+            auto const& awkward = AwkwardOnly();
             return awkward[std::uniform_int_distribution<std::size_t>(0, awkward.size() - 1)(m_random)];
         }
         return centre + std::uniform_real_distribution<double>(-spread, spread)(m_random);
@@ -67,4 +52,4 @@ private:
     std::mt19937_64 m_random;
 };
 
-}  // namespace zelthreads
+}  // namespace zeltest

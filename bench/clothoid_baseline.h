@@ -11,6 +11,8 @@
 
 #include <zellib/zellib.h>
 
+#include "common/clothoid_reference.h"
+
 #include <cmath>
 
 namespace zelbench {
@@ -48,16 +50,9 @@ inline double Normalize(double radians)
     return r;
 }
 
-inline double SeriesX(double l)
-{
-    return l - std::pow(l, 5.0) / 40.0 + std::pow(l, 9.0) / 3456.0 - std::pow(l, 13.0) / 599040.0;
-}
-
-inline double SeriesY(double l)
-{
-    return std::pow(l, 3.0) / 6.0 - std::pow(l, 7.0) / 336.0 + std::pow(l, 11.0) / 42240.0 -
-           std::pow(l, 15.0) / 9676800.0;
-}
+// The four-term series of the unit clothoid, shared with the tests.
+using zeltest::SeriesX;
+using zeltest::SeriesY;
 
 // Local point at arc length L on the clothoid of parameter A, with tangent
 // angle, chord and chord angle.

@@ -5,6 +5,9 @@
 
 #include <zelmath/records.h>
 
+#include "common/awkward_numbers.h"
+#include "common/clothoid_reference.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -15,21 +18,7 @@
 #include <limits>
 #include <vector>
 
-namespace zelrobust {
-
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double Inf = std::numeric_limits<double>::infinity();
-constexpr double Huge = 1e300;
-constexpr double Denormal = std::numeric_limits<double>::denorm_min();
-
-// Every awkward number, and a few ordinary ones so that each awkward argument
-// also meets ordinary partners.
-inline std::vector<double> const& AwkwardNumbers()
-{
-    static std::vector<double> const values = {NaN, Inf, -Inf, Huge, -Huge, Denormal, -Denormal, 0.0, -0.0,
-                                               1.0, -250.0, 2600000.0};
-    return values;
-}
+namespace zeltest {
 
 // How long one guarded call may take before it counts as hanging: far above
 // anything a bounded iteration needs, even in a sanitizer build.
@@ -52,13 +41,6 @@ void FinishesInTime(char const* what, Call&& call)
 inline bool IsNaN(double v)
 {
     return std::isnan(v);
-}
-
-// The unit clothoid's four-term series, for laying out test elements.
-inline void UnitClothoid(double l, double* x, double* y)
-{
-    *x = l - std::pow(l, 5) / 40.0 + std::pow(l, 9) / 3456.0 - std::pow(l, 13) / 599040.0;
-    *y = std::pow(l, 3) / 6.0 - std::pow(l, 7) / 336.0 + std::pow(l, 11) / 42240.0 - std::pow(l, 15) / 9676800.0;
 }
 
 // A transition cut from one clothoid of parameter A whose origin lies at
@@ -115,4 +97,4 @@ inline zelmath::CAxisComplexSpec RailwayTransition(int shape)
     return e;
 }
 
-}  // namespace zelrobust
+}  // namespace zeltest

@@ -1,62 +1,37 @@
-// Independent clothoid geometry for the clothoid tests: Fresnel integrals by
-// numerical quadrature, the four-term series written in nested form, and a
-// clothoid "track" from which consistent elements are built.
+// Independent clothoid geometry for the clothoid tests: a clothoid "track"
+// from which consistent elements are built, on the reference clothoid of
+// common/clothoid_reference.h.
 #pragma once
 
 #include <zelmath/zelmath.h>
+
+#include "common/clothoid_reference.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <random>
 
-namespace clothoid_test {
+namespace zeltest {
 
-using zelmath::CAxisComplexSpec;
-using zelmath::CAxisPointSpec;
 using zellib::CAAngle;
 using zellib::CAAzimuth;
 using zellib::CACoordinate;
 using zellib::CALength;
+using zelmath::CAxisComplexSpec;
+using zelmath::CAxisPointSpec;
+using zelmath::TComplexType;
 
-constexpr double Pi = 3.14159265358979323846;
-
-// Unit clothoid coordinates x(l) = int_0^l cos(t^2/2) dt, y(l) = int_0^l sin(t^2/2) dt
-// by composite Simpson quadrature (odd in l).
-inline void FresnelExact(double l, double* x, double* y)
-{
-    int const n = 4000;  // even number of panels
-    double const h = l / n;
-    double sx = 0.0;
-    double sy = 0.0;
-    for (int i = 0; i <= n; ++i) {
-        double const t = h * i;
-        double const w = (i == 0 || i == n) ? 1.0 : ((i % 2) ? 4.0 : 2.0);
-        sx += w * std::cos(t * t / 2.0);
-        sy += w * std::sin(t * t / 2.0);
-    }
-    *x = sx * h / 3.0;
-    *y = sy * h / 3.0;
-}
-
-// The same four series terms as the library is to use, evaluated in nested
-// form in powers of l^2 (a different evaluation of the same polynomial).
-inline void FresnelSeries4(double l, double* x, double* y)
-{
-    double const t = l * l;
-    double const t2 = t * t;
-    *x = l * (1.0 + t2 * (-1.0 / 40.0 + t2 * (1.0 / 3456.0 - t2 / 599040.0)));
-    *y = l * t * (1.0 / 6.0 + t2 * (-1.0 / 336.0 + t2 * (1.0 / 42240.0 - t2 / 9676800.0)));
-}
+using zellib::CAPi;
 
 inline double WrapAngle(double a)
 {
-    double r = std::fmod(a, 2.0 * Pi);
-    if (r > Pi) {
-        r -= 2.0 * Pi;
+    double r = std::fmod(a, 2.0 * CAPi);
+    if (r > CAPi) {
+        r -= 2.0 * CAPi;
     }
-    if (r <= -Pi) {
-        r += 2.0 * Pi;
+    if (r <= -CAPi) {
+        r += 2.0 * CAPi;
     }
     return r;
 }
@@ -138,7 +113,7 @@ struct Element {
     Track track;
     double L = 0.0;
     double startStation = 0.0;
-    int type = -1;  // the intended ComplexType
+    int type = TComplexType::NotClassified;  // the intended ComplexType
     double maxScaledLength = 0.0;
 
     double TAt(double station) const { return station - startStation; }
@@ -237,7 +212,7 @@ struct ElementGenerator {
             double const length = Uniform(20.0, 200.0);
             double ra = std::exp(Uniform(std::log(150.0), std::log(5000.0)));
             double rb = std::exp(Uniform(std::log(150.0), std::log(5000.0)));
-            if (shape == 2 || shape == 3) {
+            if (shape == TComplexType::CurveIntoTighterCurve || shape == TComplexType::CurveIntoWiderCurve) {
                 if (ra > rb) {
                     std::swap(ra, rb);
                 }
@@ -249,7 +224,8 @@ struct ElementGenerator {
                                                               Uniform(1190000.0, 1210000.0))
                                                : CACoordinate(Uniform(-1000.0, 1000.0), Uniform(-1000.0, 1000.0));
             double const station = survey ? Uniform(0.0, 90000.0) : Uniform(0.0, 2000.0);
-            Element e = MakeElement(shape, c, ra, rb, length, origin, Uniform(0.0, 2.0 * Pi), station, exact);
+            Element e =
+                MakeElement(shape, c, ra, rb, length, origin, Uniform(0.0, 2.0 * CAPi), station, exact);
             if (e.maxScaledLength <= maxScaledLengthLimit) {
                 return e;
             }
@@ -257,4 +233,4 @@ struct ElementGenerator {
     }
 };
 
-}  // namespace clothoid_test
+}  // namespace zeltest
