@@ -82,7 +82,7 @@ std::string const AlignmentXml =
     "<Curve rot=\"cw\" radius=\"100\" length=\"157.07963267948966\" staStart=\"100\"><Start>2100 1000</Start>"
     "<Center>2100 1100</Center><End>2200 1100</End></Curve>\n"
     "</CoordGeom>\n"
-    "<Profile><ProfAlign name=\"P\"><PVI>0 50</PVI><PVI>300 56</PVI></ProfAlign></Profile>\n"
+    "<Profile><ProfAlign name=\"P\"><PVI>0 50</PVI><PVI>257.07963267948966 55.141592653589793</PVI></ProfAlign></Profile>\n"
     "</Alignment></Alignments></LandXML>\n";
 
 // Each test in a folder of its own (ctest runs them in parallel); every input

@@ -357,6 +357,7 @@ TEST(ZelCliConventions, OffsetSignAndTabSeparatedValues)
     EXPECT_EQ(Lines(right.out).at(1).substr(0, 25), "a,0,line,50.0000,10.0000,");
     EXPECT_EQ(Lines(left.out).at(0).substr(0, 36), "id\telement\ttype\tstation\toffset_left\t");
     EXPECT_EQ(Lines(left.out).at(1).substr(0, 26), "a\t0\tline\t50.0000\t-10.0000\t");
+}
 
 // Station equations in the tables: kilometre 12 is 1003.2 m long (see
 // tests/data/landxml/kilometre_posts.xml); displayed = ahead + (internal -
