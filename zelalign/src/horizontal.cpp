@@ -365,13 +365,15 @@ void TangentComponents(double east, double north, AlignmentPoint const& point, d
 int HorizontalAlignment::ElementFoot(int index, double east, double north, ProjectionAccuracy accuracy,
                                      AlignmentPoint* foot) const
 {
+    // Only the prepared constants are read on this path (one compact record
+    // per element), unless the element is left to its class.
     std::size_t const i = static_cast<std::size_t>(index);
     HorizontalElement const& e = m_elements[i];
     detail::PreparedElement const& c = m_index->prepared[i];
     int const result = detail::PreparedLot(e, c, east, north, foot);
     foot->element = index;
     if (result != TPointMathResult::OnElement || accuracy != ProjectionAccuracy::Exact ||
-        e.type == ElementType::Line || e.type == ElementType::Arc) {
+        c.type == ElementType::Line || c.type == ElementType::Arc) {
         return result;
     }
     // Newton on the tangency condition a(s) = (P - C(s)) . T(s) = 0, with
@@ -383,7 +385,7 @@ int HorizontalAlignment::ElementFoot(int index, double east, double north, Proje
     for (int step = 0; step < MaxExactSteps && !(std::fabs(along) < ExactFootTolerance); ++step) {
         double const curvature = current.radius == 0.0 ? 0.0 : 1.0 / current.radius;
         double const divisor = std::max(1.0 - curvature * across, MinNewtonDivisor);
-        double const s = std::min(std::max(current.station + along / divisor, e.StartStation()), e.EndStation());
+        double const s = std::min(std::max(current.station + along / divisor, c.startStation), c.endStation);
         if (!(s != current.station)) {
             break;  // held at an element end
         }
