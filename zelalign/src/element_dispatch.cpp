@@ -331,7 +331,7 @@ void ClothoidPoint(PreparedElement const& c, double station, AlignmentPoint* out
     double ln = 0.0;
     double tau = 0.0;
     if (!TolEqual(s, 0.0)) {
-        tau = A == 0.0 ? 0.0 : std::pow(s, 2.0) / (2.0 * std::pow(A, 2.0));
+        tau = A == 0.0 ? 0.0 : std::pow(s, 2.0) / c.twoParameterSquared;
         double const l = A != 0.0 ? s / A : 0.0;
         le = SeriesX(l) * c.absParameter;
         ln = SeriesY(l) * c.absParameter;
@@ -352,7 +352,7 @@ void ClothoidPoint(PreparedElement const& c, double station, AlignmentPoint* out
     out->north = c.originNorth + n;
     double radius = c.radiusPreset;
     if (s != 0.0) {
-        double const r = std::pow(A, 2.0) / s;
+        double const r = c.parameterSquared / s;
         radius = c.right ? r : -r;
     }
     out->radius = radius;
@@ -562,6 +562,8 @@ bool PrepareClothoid(CAxisComplexSpec const& spec, PreparedElement* c)
     c->kind = type;
     c->parameter = A.Double();
     c->absParameter = A.Absolute().Double();
+    c->parameterSquared = std::pow(A.Double(), 2.0);
+    c->twoParameterSquared = 2.0 * std::pow(A.Double(), 2.0);
     c->originArc = originArc.Double();
     c->right = right;
     c->countsBackwards = countsBackwards;

@@ -58,12 +58,12 @@ struct PreparedElement {
     double startRadial = 0.0, endRadial = 0.0, arcLength = 0.0;
     double startCos = 0.0, startSin = 0.0, endCos = 0.0, endSin = 0.0;
 
-    // Clothoid: parameter A and |A|, kind (0..3), arc length of the origin
+    // Clothoid: parameter A, |A|, A^2 and 2 A^2 (as the element class forms them), kind (0..3), arc length of the origin
     // offset (type 2: at the start, 3: at the end), origin, origin tangent,
     // sine and cosine of the turn of the local frame into the world, bending
     // side, counting direction, radius at the origin, and the sine and cosine
     // of the turns into the start and end tangent frames of the foot search.
-    double parameter = 0.0, absParameter = 0.0;
+    double parameter = 0.0, absParameter = 0.0, parameterSquared = 0.0, twoParameterSquared = 0.0;
     int kind = 0;
     double originArc = 0.0;
     double originEast = 0.0, originNorth = 0.0, theta0 = 0.0;
