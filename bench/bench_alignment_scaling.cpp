@@ -7,14 +7,17 @@
 // complete copies: every alignment sees the same points in the same
 // neighbourhoods at the same offsets, spread over its whole length.
 //
-// BM_Alignment_StationCost/<elements>/<accuracy>: CPU time per point of
-//   HorizontalAlignment::Project (accuracy 0 exact foot, 1 element foot).
+// BM_Alignment_StationCost/<elements>/<accuracy>/<order>: CPU time per point
+//   of HorizontalAlignment::Project (accuracy 0 exact foot, 1 element foot;
+//   order 0 the points scattered over the alignment, 1 the same points in the
+//   order of the alignment, copy after copy).
 // BM_Alignment_ImportLandXml/<elements>: ReadLandXml of a LandXML text of the
 //   same chain written to a temporary file, per element.
 #include <zelalign/readers/landxml.h>
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -61,8 +64,9 @@ Sample const& LoadSample()
 }
 
 // Measured points of the sample moved into the complete copies of a chain of
-// count elements.
-std::vector<std::pair<double, double>> SpreadPoints(std::size_t count)
+// count elements; alongTheLine: ordered by copy, as a survey walking the line
+// would write them, else in the sample's order (each in its scrambled copy).
+std::vector<std::pair<double, double>> SpreadPoints(std::size_t count, bool alongTheLine)
 {
     Sample const& s = LoadSample();
     std::size_t const copies = std::max<std::size_t>(1, count / s.elements.size());
@@ -70,12 +74,20 @@ std::vector<std::pair<double, double>> SpreadPoints(std::size_t count)
                       s.elements.front().spec.Start.Coordinate.East().Double();
     double const dn = s.elements.back().spec.End.Coordinate.North().Double() -
                       s.elements.front().spec.Start.Coordinate.North().Double();
-    std::vector<std::pair<double, double>> out;
+    std::vector<std::pair<std::size_t, std::pair<double, double>>> placed;
     for (std::size_t i = 0; i < s.points.size(); ++i) {
         // A fixed scramble (multiplicative hash) of the point's number.
         std::size_t const k = (i * 2654435761u) % copies;
-        out.emplace_back(s.points[i].first + static_cast<double>(k) * de,
-                         s.points[i].second + static_cast<double>(k) * dn);
+        placed.push_back({k, {s.points[i].first + static_cast<double>(k) * de,
+                              s.points[i].second + static_cast<double>(k) * dn}});
+    }
+    if (alongTheLine) {
+        std::stable_sort(placed.begin(), placed.end(),
+                         [](auto const& a, auto const& b) { return a.first < b.first; });
+    }
+    std::vector<std::pair<double, double>> out;
+    for (auto const& p : placed) {
+        out.push_back(p.second);
     }
     return out;
 }
@@ -86,7 +98,7 @@ void BM_Alignment_StationCost(benchmark::State& state)
     auto const accuracy = state.range(1) == 0 ? zelalign::ProjectionAccuracy::Exact
                                               : zelalign::ProjectionAccuracy::Element;
     HorizontalAlignment const a(zelsynthetic::Repeated(LoadSample().elements, count));
-    auto const points = SpreadPoints(count);
+    auto const points = SpreadPoints(count, state.range(2) == 1);
     int on = 0;
     for (auto _ : state) {
         for (auto const& p : points) {
@@ -99,7 +111,8 @@ void BM_Alignment_StationCost(benchmark::State& state)
     state.SetLabel(std::to_string(a.Size()) + " elements, " + std::to_string(points.size()) + " points");
 }
 BENCHMARK(BM_Alignment_StationCost)
-    ->ArgsProduct({{20, 200, 2000, 20000}, {0, 1}})
+    ->ArgsProduct({{20, 200, 2000, 20000}, {0, 1}, {0}})
+    ->ArgsProduct({{20, 200, 2000, 20000}, {0}, {1}})
     ->Unit(benchmark::kMillisecond);
 
 // ------------------------------------------------------------------ import

@@ -310,6 +310,38 @@ TEST(FastPath, ProjectionOffersTheLiteralFootAndTheExactOne)
     EXPECT_GT(differ, 0);
 }
 
+TEST(FastPath, CrowdedElementsAreSearchedInSeveralRounds)
+{
+    // A straight North in 2,000 pieces of 0.25 m: far more boxes lie in the
+    // first search window than the candidate buffer holds.
+    std::vector<HorizontalElement> pieces;
+    int const count = 2000;
+    double const piece = 0.25;
+    for (int k = 0; k < count; ++k) {
+        pieces.push_back(HorizontalElement::Line(k * piece, piece, zelmath::CACoordinate(0.0, k * piece),
+                                                 zelmath::CACoordinate(0.0, (k + 1) * piece)));
+    }
+    HorizontalAlignment const a(pieces);
+    for (double north : {0.1, 37.3, 250.1, 499.9}) {
+        for (double east : {-3.0, 0.0, 0.01, 20.0, -150.0}) {
+            Projection const r = a.Project(east, north);
+            ASSERT_EQ(r.status, ProjectionStatus::OnElement) << east << " " << north;
+            EXPECT_NEAR(r.foot.station, north, 1e-9);
+            EXPECT_NEAR(r.offset, east, 1e-9);
+            EXPECT_EQ(r.foot.element, static_cast<int>(north / piece));
+        }
+    }
+    // Far away, before the start and beyond the end: the window grows until
+    // it holds every box.
+    Projection const before = a.Project(5.0, -7000.0);
+    EXPECT_EQ(before.status, ProjectionStatus::BeforeStart);
+    EXPECT_NEAR(before.along, -7000.0, 1e-9);
+    Projection const beyond = a.Project(-2.0, 9000.0);
+    EXPECT_EQ(beyond.status, ProjectionStatus::BeyondEnd);
+    EXPECT_NEAR(beyond.along, 9000.0 - count * piece, 1e-6);
+    EXPECT_NEAR(beyond.offset, -2.0, 1e-9);
+}
+
 TEST(FastPath, TheAllocationCounterSeesAllocations)
 {
     g_allocations = 0;
