@@ -66,7 +66,7 @@ printf '\n| part of zel station (%d points) | instructions per point | share |\n
 printf '|---|---|---|\n'
 share() {  # title, pattern of the function (first match, inclusive count)
   local n
-  n=$(grep -F -- "$2" "$out/zel.txt" | head -n 1 | awk '{ gsub(",", ""); print $1 }')
+  n=$(awk -v pat="$2" 'index($0, pat) { gsub(",", ""); print $1; exit }' "$out/zel.txt")
   awk -v t="$1" -v n="${n:-0}" -v all="$total" -v p="$tool_points" \
     'BEGIN { printf "| %s | %.0f | %.1f %% |\n", t, n / p, 100 * n / all }'
 }

@@ -3,7 +3,7 @@
 # Uses Debian's packages only.
 set -euo pipefail
 
-packages=(cmake g++ make libgtest-dev libbenchmark-dev libpugixml-dev libcli11-dev clang libclang-rt-dev)
+packages=(cmake g++ make libgtest-dev libbenchmark-dev libpugixml-dev libcli11-dev libboost-dev clang libclang-rt-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
