@@ -29,8 +29,11 @@ constexpr double Pi = 3.14159265358979323846;
 
 // Points sampled along an element for its bounding box: one every
 // BoxSampleSpacing metres, at least BoxMinSamples and at most BoxMaxSamples.
-constexpr double BoxSampleSpacing = 2.0;
-constexpr int BoxMinSamples = 16;
+// The margin below covers the arc height of the curve between two samples, so
+// a coarse spacing only widens a box by that height (about 5 cm for 25 m on
+// R 1500 m) and keeps building an alignment cheap.
+constexpr double BoxSampleSpacing = 25.0;
+constexpr int BoxMinSamples = 8;
 constexpr int BoxMaxSamples = 20000;
 // Margin added around every bounding box (metres), besides the arc height of
 // the sampled chords.
