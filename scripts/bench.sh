@@ -10,6 +10,11 @@
 #   REPETITIONS repetitions per benchmark, the median is reported (default: 5)
 #   MIN_TIME    minimum seconds per repetition (default: 0.2)
 #   OUTPUT      the report to write (default: docs/performance.md)
+#   CALLGRIND   1: also count instructions per point of the stationing
+#               against the alignment's length (scripts/bench-callgrind.sh,
+#               a few minutes under valgrind)
+#   TOOL_COPIES copies of the sample's points in the file zel station reads
+#               for its throughput (default: 100, about 300,000 points)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -22,7 +27,7 @@ output=${OUTPUT:-docs/performance.md}
 scripts/setup.sh
 cmake -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=Release -DZEL_BUILD_BENCHMARKS=ON \
   -DZEL_BUILD_TESTS=OFF -DZEL_BUILD_EXAMPLES=OFF ${ZEL_CMAKE_ARGS:-} >/dev/null
-cmake --build "$build_dir" -j "$(nproc)" --target benchmarks
+cmake --build "$build_dir" -j "$(nproc)" --target benchmarks zel
 
 results="$build_dir/bench-results"
 rm -rf "$results"
@@ -36,9 +41,39 @@ for b in "$build_dir"/bench/bench_*; do
     --benchmark_out="$results/$name.json" --benchmark_out_format=json >/dev/null
 done
 
+# Throughput of the tool: zel station on the sample's points repeated
+# TOOL_COPIES times (reading, stationing, writing), with 1 thread and with
+# every hardware thread; CPU time (user + system) and wall time of the process.
+tool_points="$build_dir/bench-tool-points.csv"
+python3 - "$tool_points" "${TOOL_COPIES:-100}" <<'PY'
+import sys
+path, copies = sys.argv[1], int(sys.argv[2])
+rows = open("data/sample/points.csv").read().splitlines()
+with open(path, "w") as f:
+    f.write(rows[0] + "\n")
+    for k in range(copies):
+        for r in rows[1:]:
+            f.write("C%04d%s\n" % (k, r))
+PY
+: > "$results/tool.txt"
+for threads in $(printf '%s\n' 1 "$(nproc)" | sort -un); do
+  for rep in $(seq "$repetitions"); do
+    /usr/bin/time -f "$threads %U %S %e" -a -o "$results/tool.txt" \
+      "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads "$threads"
+  done
+done
+tool_count=$(( $(wc -l < "$tool_points") - 1 ))
+rm -f "$tool_points"
+
+callgrind_table=""
+if [ "${CALLGRIND:-0}" = 1 ]; then
+  callgrind_table=$(BUILD_DIR="$build_dir" scripts/bench-callgrind.sh)
+fi
+printf '%s\n' "$callgrind_table" > "$results/callgrind.md"
+
 cxx=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build_dir/CMakeCache.txt")
 flags=$(sed -n 's/^CMAKE_CXX_FLAGS_RELEASE:[A-Z]*=//p' "$build_dir/CMakeCache.txt")
-python3 - "$results" "$output" "$("$cxx" --version | head -n 1)" "$flags" "$repetitions" "$min_time" <<'PY'
+python3 - "$results" "$output" "$("$cxx" --version | head -n 1)" "$flags" "$repetitions" "$min_time" "$tool_count" <<'PY'
 import datetime, glob, json, os, platform, sys
 
 results, output, compiler, flags, repetitions, min_time = sys.argv[1:7]
@@ -63,6 +98,7 @@ def fmt(ns):
 to_ns = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 programs = {}
 context = None
+tool_count = int(sys.argv[7])
 for path in sorted(glob.glob(os.path.join(results, "*.json"))):
     with open(path) as f:
         data = json.load(f)
@@ -136,6 +172,147 @@ for title, p, n, bp, bn in pairs:
         lines.append("| %s | %s | **%.2f** (bare: %s) |" % (title, fmt(t), t / base, fmt(base)))
 lines.append("")
 
+def row(program, name):
+    for r in programs.get(program, []):
+        if r["name"] == name:
+            return r
+    return None
+
+def median(values):
+    values = sorted(values)
+    n = len(values)
+    return values[n // 2] if n % 2 else (values[n // 2 - 1] + values[n // 2]) / 2
+
+lines.append("## The alignment layer")
+lines.append("")
+lines.append("CPU times are Google Benchmark's medians as above. The machine is shared, so")
+lines.append("CPU times of memory-heavy runs also carry cache misses caused by other")
+lines.append("processes; the instruction counts (valgrind's callgrind, when measured) do not")
+lines.append("depend on the load.")
+lines.append("")
+lines.append("What the layer does per point: the candidate elements come from a static")
+lines.append("R-tree of the elements' bounding boxes (Boost.Geometry, packed once when the")
+lines.append("alignment is built), taken nearest box first in rounds of up to 32 into a")
+lines.append("fixed buffer, so a point allocates nothing and looks at a handful of elements")
+lines.append("whatever the alignment's length. Straights, arcs and clothoids are evaluated")
+lines.append("through constants computed once per element (origin, origin tangent, the sine")
+lines.append("and cosine of the turns into the local frames, A^2), bit-identical to the")
+lines.append("element classes; cubic parabolas and half-sine transitions still call their")
+lines.append("classes per call.")
+lines.append("")
+lines.append("Accuracy of the feet: the exact foot (default) continues the element's")
+lines.append("search by Newton steps on the tangency condition until the measured point lies")
+lines.append("less than 1e-7 m along the tangent at the foot (tests assert below 1 µm); the")
+lines.append("element foot (`ProjectionAccuracy::Element`) stops within 0.4 mm along the")
+lines.append("tangent on a transition. Straights and arcs are exact either way.")
+lines.append("")
+lines.append("### Stationing cost against the number of elements (`bench_alignment_scaling`)")
+lines.append("")
+lines.append("`HorizontalAlignment::Project` on one thread for the sample's 3,004 measured")
+lines.append("points, against the sample's 17 elements repeated end to end and cut at 20,")
+lines.append("200, 2,000 and 20,000 elements; each point is moved into a copy of the sample")
+lines.append("picked by a fixed scramble of its number, so every alignment sees the same")
+lines.append("points in the same neighbourhoods at the same offsets, spread over its whole")
+lines.append("length, in the least cache-friendly order; the last columns take the same")
+lines.append("points copy after copy, as a survey along the line lists them.")
+lines.append("")
+lines.append("| elements | exact foot, CPU per point | ratio to 20 | element foot, CPU per point | ratio to 20 | exact foot, points in the order of the line | ratio to 20 |")
+lines.append("|---|---|---|---|---|---|---|")
+base = {}
+for n in (20, 200, 2000, 20000):
+    cells = []
+    for acc, order in ((0, 0), (1, 0), (0, 1)):
+        r = row("bench_alignment_scaling", "BM_Alignment_StationCost/%d/%d/%d" % (n, acc, order))
+        if r is None or not r["items"]:
+            cells += ["not measured", ""]
+            continue
+        per = 1e9 / r["items"]
+        base.setdefault((acc, order), per)
+        cells += [fmt(per), "%.2f" % (per / base[(acc, order)])]
+    lines.append("| %d | %s |" % (n, " | ".join(cells)))
+lines.append("")
+with open(os.path.join(results, "callgrind.md")) as f:
+    callgrind = f.read().strip()
+if callgrind:
+    lines.append("The same runs counted by `scripts/bench-callgrind.sh` (one pass over the 3,004")
+    lines.append("points under callgrind with its cache simulation, counting inside `Project` only):")
+    lines.append("")
+    lines.extend(callgrind.splitlines())
+    lines.append("")
+
+lines.append("### LandXML import against the number of elements (`bench_alignment_scaling`)")
+lines.append("")
+lines.append("`ReadLandXml` of a file holding the same chains (Line, Curve and Spiral nodes")
+lines.append("with their start and end points; no profile), from the file to the built")
+lines.append("`Alignment` with its prepared elements and spatial index.")
+lines.append("")
+lines.append("| elements | CPU time | per element | ratio per element to 20 |")
+lines.append("|---|---|---|---|")
+first = None
+for n in (20, 200, 2000, 20000):
+    r = row("bench_alignment_scaling", "BM_Alignment_ImportLandXml/%d" % n)
+    if r is None:
+        lines.append("| %d | not measured | | |" % n)
+        continue
+    per = r["cpu"] / n
+    first = first or per
+    lines.append("| %d | %s | %s | %.2f |" % (n, fmt(r["cpu"]), fmt(per), per / first))
+lines.append("")
+
+lines.append("### Point and foot per call and element type (`bench_alignment_elements`)")
+lines.append("")
+lines.append("One element each, 64 stations over it, measured points 2.5 m either side.")
+lines.append("*prepared*: the alignment layer (`ElementPoint`, `ElementFoot`) with the")
+lines.append("constants computed once; *literal*: the zelmath element class per call;")
+lines.append("*bare*: the same four-term clothoid series with the same `std::pow` calls in")
+lines.append("bare doubles, constants precomputed, no dispatch (checked to give the same")
+lines.append("point); *Horner*: the series by multiplications instead of `pow` (not")
+lines.append("bit-identical to the element class, so not usable by the layer; shows what the")
+lines.append("`pow` calls cost). The bare foot is Newton on the tangency condition to 1e-7 m.")
+lines.append("")
+lines.append("| element | point: prepared | literal | bare | prepared / bare | Horner | foot: exact | element foot | literal | bare Newton | exact / bare |")
+lines.append("|---|---|---|---|---|---|---|---|---|---|---|")
+for k in range(7):
+    def cpu(name):
+        r = row("bench_alignment_elements", name)
+        return None if r is None else r["cpu"]
+    def cell(v):
+        return "–" if v is None else fmt(v)
+    def ratio(a, b):
+        return "–" if a is None or b is None else "**%.2f**" % (a / b)
+    label = (row("bench_alignment_elements", "BM_Alignment_PointAt/%d" % k) or {}).get("label", str(k))
+    p, pl = cpu("BM_Alignment_PointAt/%d" % k), cpu("BM_Alignment_PointAtLiteral/%d" % k)
+    pb, ph = cpu("BM_Bare_ClothoidPoint/%d" % k), cpu("BM_Bare_ClothoidPointHorner/%d" % k)
+    fe, fo = cpu("BM_Alignment_Foot/%d/0" % k), cpu("BM_Alignment_Foot/%d/1" % k)
+    fl, fb = cpu("BM_Alignment_FootLiteral/%d" % k), cpu("BM_Bare_ClothoidFoot/%d" % k)
+    lines.append("| %s | %s | %s | %s | %s | %s | %s | %s | %s | %s | %s |" % (
+        label, cell(p), cell(pl), cell(pb), ratio(p, pb), cell(ph), cell(fe), cell(fo), cell(fl), cell(fb),
+        ratio(fe, fb)))
+lines.append("")
+
+lines.append("### Tool throughput against threads (`zel station`)")
+lines.append("")
+lines.append("`zel station data/sample/alignment.xml` on the sample's points repeated to")
+lines.append("%d points, output to /dev/null (reading, stationing with exact feet, profile" % tool_count)
+lines.append("and tunnel metres, formatting and writing), %s runs each; medians. CPU time is" % repetitions)
+lines.append("user plus system time of the process (`/usr/bin/time`).")
+lines.append("")
+lines.append("| threads | CPU time | points/s per core (CPU) | wall time | points/s (wall) |")
+lines.append("|---|---|---|---|---|")
+runs = {}
+with open(os.path.join(results, "tool.txt")) as f:
+    for line in f:
+        parts = line.split()
+        if len(parts) == 4 and parts[0].isdigit():
+            runs.setdefault(int(parts[0]), []).append((float(parts[1]) + float(parts[2]), float(parts[3])))
+for threads in sorted(runs):
+    cpu_s = median([c for c, _ in runs[threads]])
+    wall_s = median([w for _, w in runs[threads]])
+    lines.append("| %d | %.2f s | %.0f | %.2f s | %.0f |" % (
+        threads, cpu_s, tool_count / cpu_s if cpu_s > 0 else 0, wall_s,
+        tool_count / wall_s if wall_s > 0 else 0))
+lines.append("")
+
 titles = {
     "bench_value_types": "Value types",
     "bench_line": "Straight",
@@ -146,6 +323,8 @@ titles = {
     "bench_plane": "Plane",
     "bench_station_map": "Station map 2D/3D",
     "bench_alignment_stationing": "Alignment stationing on the shipped sample (wall time; points per second over all threads)",
+    "bench_alignment_scaling": "Alignment layer against the number of elements",
+    "bench_alignment_elements": "Alignment layer per call and element type",
 }
 lines.append("## All benchmarks")
 lines.append("")

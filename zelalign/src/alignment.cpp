@@ -108,14 +108,14 @@ bool Alignment::Contains(double station) const
     return !m_horizontal.Empty() && std::isfinite(station) && station >= StartStation() && station <= EndStation();
 }
 
-StationedPoint Alignment::Station(double east, double north, double height) const
+StationedPoint Alignment::Station(double east, double north, double height, ProjectionAccuracy accuracy) const
 {
     StationedPoint r;
     if (!std::isfinite(east) || !std::isfinite(north) || std::isinf(height)) {
         r.status = ProjectionStatus::Invalid;
         return r;
     }
-    Projection const p = m_horizontal.Project(east, north);
+    Projection const p = m_horizontal.Project(east, north, accuracy);
     r.status = p.status;
     if (p.status == ProjectionStatus::NoSolution) {
         return r;
@@ -148,21 +148,21 @@ StationedPoint Alignment::Station(double east, double north, double height) cons
 }
 
 void Alignment::Station(std::size_t count, double const* east, double const* north, double const* height,
-                        StationedPoint* out, unsigned threads) const
+                        StationedPoint* out, unsigned threads, ProjectionAccuracy accuracy) const
 {
     ParallelFor(count, threads, [&](std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i) {
-            out[i] = Station(east[i], north[i], height ? height[i] : NaN);
+            out[i] = Station(east[i], north[i], height ? height[i] : NaN, accuracy);
         }
     });
 }
 
 void Alignment::Station(std::size_t count, double const* east, double const* north, double const* height,
-                        StationColumns const& out, unsigned threads) const
+                        StationColumns const& out, unsigned threads, ProjectionAccuracy accuracy) const
 {
     ParallelFor(count, threads, [&](std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i) {
-            StationedPoint const p = Station(east[i], north[i], height ? height[i] : NaN);
+            StationedPoint const p = Station(east[i], north[i], height ? height[i] : NaN, accuracy);
             if (out.station) out.station[i] = p.station;
             if (out.offset) out.offset[i] = p.offset;
             if (out.element) out.element[i] = p.element;

@@ -12,9 +12,17 @@
 //
 // The half-sine transition does not report a radius; it is computed here from
 // its curvature (1 - cos(pi l / L)) / (2 R), l measured from the straight end.
+//
+// The prepared path (second half of this file) repeats the element classes'
+// per-call arithmetic on bare doubles in the same order. The comparisons of
+// the value types are tolerant (equal within zellib::CAValue::Tolerance), and
+// the sum or difference of two angles is brought into [0, 2 pi); both are
+// repeated here exactly as the value types perform them.
 #include "element_dispatch.h"
 
 #include <cmath>
+
+#include "element_common.h"
 
 #include <zelmath/circle.h>
 #include <zelmath/complex_shape.h>
@@ -192,6 +200,587 @@ int ElementLot(HorizontalElement const& element, CACoordinate const& point, Alig
         break;
     }
     Copy(rec, out);
+    return result;
+}
+
+// ------------------------------------------------------------------ prepared
+
+namespace {
+
+using zelmath::CAAngle;
+using zelmath::CAAzimuth;
+
+constexpr double Tol = zellib::CAValue::Tolerance;
+constexpr double TwoPi = zellib::CAPimul2;
+constexpr double HalfPi = zellib::CAPidiv2;
+
+// The clothoid foot search counts a point as before the start or beyond the
+// end only when it lies more than this (metres) outside along the end tangent;
+// the same value as in CMathClothoid::Lot, which keeps it to itself (the
+// fast-path test fails should the two drift apart).
+constexpr double ClothoidEndTolerance = 0.0005;
+
+// zellib::NormalizeAngle with its fmod taken only where it changes the value:
+// fmod(x, 2 pi) is x itself on [0, 2 pi) and on (-2 pi, 0), and the exact
+// difference x - 2 pi on [2 pi, 4 pi) (Sterbenz). Same bits for every input.
+inline double Normalize(double x)
+{
+    if (x >= 0.0 && x < TwoPi) {
+        return x;
+    }
+    if (x >= TwoPi && x < 2.0 * TwoPi) {
+        return x - TwoPi;
+    }
+    if (x < 0.0 && x > -TwoPi) {
+        double const r = x + TwoPi;
+        return r >= TwoPi ? 0.0 : r;
+    }
+    return zellib::NormalizeAngle(x);
+}
+
+// CACoordinate::Azimuth of (east, north).
+inline double AzimuthOf(double east, double north)
+{
+    if (east == 0.0 && north == 0.0) {
+        return 0.0;
+    }
+    return Normalize(std::atan2(east, north));
+}
+
+// The tolerant comparisons of zellib::CAValue.
+inline bool TolEqual(double a, double b)
+{
+    return std::fabs(a - b) <= Tol;
+}
+inline bool TolGreater(double a, double b)
+{
+    return (a - b) > Tol;
+}
+inline bool TolLess(double a, double b)
+{
+    return (b - a) > Tol;
+}
+
+// The truncated Fresnel series of the unit clothoid, as CMathClothoid::DX and DY.
+inline double SeriesX(double v)
+{
+    return v - std::pow(v, 5.0) / 40.0 + std::pow(v, 9.0) / 3456.0 - std::pow(v, 13.0) / 599040.0;
+}
+inline double SeriesY(double v)
+{
+    return std::pow(v, 3.0) / 6.0 - std::pow(v, 7.0) / 336.0 + std::pow(v, 11.0) / 42240.0 -
+           std::pow(v, 15.0) / 9676800.0;
+}
+
+void LinePoint(PreparedElement const& c, double local, AlignmentPoint* out)
+{
+    if (TolEqual(local, 0.0)) {
+        out->east = c.startEast;
+        out->north = c.startNorth;
+    } else if (TolEqual(local, c.chordLength)) {
+        out->east = c.endEast;
+        out->north = c.endNorth;
+    } else {
+        double const f = local / c.chordLength;
+        out->east = c.startEast + c.chordEast * f;
+        out->north = c.startNorth + c.chordNorth * f;
+    }
+    out->azimuth = c.chordAzimuth;
+    out->radius = 0.0;
+}
+
+void ArcPoint(PreparedElement const& c, double local, AlignmentPoint* out)
+{
+    double re = c.radialEast;
+    double rn = c.radialNorth;
+    if (c.radius != 0.0) {
+        double const theta = (local / c.radius) * -1.0;
+        double const co = std::cos(theta);
+        double const si = std::sin(theta);
+        double const e = re * co - rn * si;
+        double const n = re * si + rn * co;
+        re = e;
+        rn = n;
+    }
+    double const az = AzimuthOf(re, rn);
+    out->azimuth = TolLess(c.radius, 0.0) ? Normalize(az - HalfPi) : Normalize(az + HalfPi);
+    out->east = re + c.centreEast;
+    out->north = rn + c.centreNorth;
+    out->radius = c.radius;
+}
+
+void ClothoidPoint(PreparedElement const& c, double station, AlignmentPoint* out)
+{
+    double s = 0.0;
+    switch (c.kind) {
+    case 0:
+        s = station - c.startStation;
+        break;
+    case 1:
+        s = c.endStation - station;
+        break;
+    case 2:
+        s = c.originArc + station - c.startStation;
+        break;
+    default:
+        s = c.originArc + c.endStation - station;
+        break;
+    }
+    double const A = c.parameter;
+    double le = 0.0;
+    double ln = 0.0;
+    double tau = 0.0;
+    if (!TolEqual(s, 0.0)) {
+        tau = A == 0.0 ? 0.0 : std::pow(s, 2.0) / c.twoParameterSquared;
+        double const l = A != 0.0 ? s / A : 0.0;
+        le = SeriesX(l) * c.absParameter;
+        ln = SeriesY(l) * c.absParameter;
+    }
+    if (c.countsBackwards) {
+        if (c.right) {
+            le = le * -1.0;
+            ln = ln * -1.0;
+        } else {
+            le = -le;
+        }
+    } else if (c.right) {
+        ln = -ln;
+    }
+    double const e = le * c.turnCos - ln * c.turnSin;
+    double const n = le * c.turnSin + ln * c.turnCos;
+    out->east = c.originEast + e;
+    out->north = c.originNorth + n;
+    double radius = c.radiusPreset;
+    if (s != 0.0) {
+        double const r = c.parameterSquared / s;
+        radius = c.right ? r : -r;
+    }
+    out->radius = radius;
+    bool const azimuthGrows = c.right != c.countsBackwards;
+    out->azimuth = azimuthGrows ? Normalize(c.theta0 + tau) : Normalize(c.theta0 - tau);
+    out->station = station;
+}
+
+int LineLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    double const pe = east - c.startEast;
+    double const pn = north - c.startNorth;
+    double const qe = pe * c.intoCos - pn * c.intoSin;
+    out->radius = 0.0;
+    out->azimuth = c.chordAzimuth;
+    if (TolGreater(qe, c.chordLength)) {
+        out->east = c.endEast;
+        out->north = c.endNorth;
+        out->station = c.chordLength;
+        return TolEqual(c.endEast, east) && TolEqual(c.endNorth, north) ? TPointMathResult::OnElement
+                                                                         : TPointMathResult::BeyondEnd;
+    }
+    if (TolLess(qe, 0.0)) {
+        out->east = c.startEast;
+        out->north = c.startNorth;
+        out->station = 0.0;
+        return TolEqual(c.startEast, east) && TolEqual(c.startNorth, north) ? TPointMathResult::OnElement
+                                                                             : TPointMathResult::BeforeStart;
+    }
+    out->station = qe;
+    // The foot: the offset dropped and turned back, as the element class does.
+    double const fe = qe * c.backCos - 0.0 * c.backSin;
+    double const fn = qe * c.backSin + 0.0 * c.backCos;
+    out->east = fe + c.startEast;
+    out->north = fn + c.startNorth;
+    return TPointMathResult::OnElement;
+}
+
+int ArcLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    double const azP = AzimuthOf(east - c.centreEast, north - c.centreNorth);
+    double const se = east - c.startEast;
+    double const sn = north - c.startNorth;
+    double const qS = se * c.startCos - sn * c.startSin;
+    double const ee = east - c.endEast;
+    double const en = north - c.endNorth;
+    double const qE = ee * c.endCos - en * c.endSin;
+    out->radius = c.radius;
+    double const absR = c.absRadius;
+    if (TolGreater(c.radius, 0.0)) {
+        double const L = c.arcLength;
+        out->station = L - absR * Normalize(c.endRadial - azP);
+        out->azimuth = Normalize(azP + HalfPi);
+        if (TolLess(qS, 0.0)) {
+            out->east = c.startEast;
+            out->north = c.startNorth;
+            out->azimuth = Normalize(c.startRadial + HalfPi);
+            out->station = 0.0;
+            return TPointMathResult::BeforeStart;
+        }
+        if (TolGreater(qE, 0.0)) {
+            out->east = c.endEast;
+            out->north = c.endNorth;
+            out->azimuth = Normalize(c.endRadial + HalfPi);
+            out->station = L;
+            return TPointMathResult::BeyondEnd;
+        }
+    } else {
+        out->station = absR * Normalize(c.startRadial - azP);
+        out->azimuth = Normalize(azP - HalfPi);
+        if (TolGreater(qS, 0.0)) {
+            out->east = c.startEast;
+            out->north = c.startNorth;
+            out->azimuth = Normalize(c.startRadial - HalfPi);
+            out->station = 0.0;
+            return TPointMathResult::BeforeStart;
+        }
+        if (TolLess(qE, 0.0)) {
+            out->east = c.endEast;
+            out->north = c.endNorth;
+            out->azimuth = Normalize(c.endRadial - HalfPi);
+            out->station = 0.0;  // the element class reports its default length on this branch
+            return TPointMathResult::BeyondEnd;
+        }
+    }
+    out->east = c.centreEast + absR * std::sin(azP);
+    out->north = c.centreNorth + absR * std::cos(azP);
+    return TPointMathResult::OnElement;
+}
+
+int ClothoidLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    using namespace zelmath::horizontal_detail;
+    double const ve = east - c.endEast;
+    double const vn = north - c.endNorth;
+    if (TolGreater(ve * c.endTangentCos - vn * c.endTangentSin, ClothoidEndTolerance)) {
+        ClothoidPoint(c, c.endStation, out);
+        return TPointMathResult::BeyondEnd;
+    }
+    double const we = east - c.startEast;
+    double const wn = north - c.startNorth;
+    double const fromStart = we * c.startTangentCos - wn * c.startTangentSin;
+    if (TolLess(fromStart, -ClothoidEndTolerance)) {
+        ClothoidPoint(c, c.startStation, out);
+        return TPointMathResult::BeforeStart;
+    }
+    // CMathClothoid::Iterate.
+    double s = c.startStation + fromStart;
+    for (int step = 1; step <= MaxFootSteps; ++step) {
+        if (!TolGreater(s, c.startStation)) {
+            s = c.startStation + StationInset;
+        }
+        if (!TolLess(s, c.endStation)) {
+            s = c.endStation - StationInset;
+        }
+        ClothoidPoint(c, s, out);
+        double const qe = east - out->east;
+        double const qn = north - out->north;
+        double const turn = Normalize(Normalize(out->azimuth + HalfPi) + zellib::CAPi);
+        double const co = std::cos(turn);
+        double const si = std::sin(turn);
+        double const along = qe * co - qn * si;
+        double const offset = std::fabs(qe * si + qn * co);
+        double divisor = HalfStep;
+        if (TolGreater(offset, QuarterStepOffset)) {
+            divisor = QuarterStep;
+        }
+        if (TolGreater(offset, EighthStepOffset)) {
+            divisor = EighthStep;
+        }
+        if (TolGreater(offset, MaxOffset)) {
+            return TPointMathResult::NoSolution;
+        }
+        s = s + along / divisor;
+        if (step == MaxFootSteps) {
+            return TPointMathResult::NoSolution;
+        }
+        if (!TolGreater(std::fabs(along), FootTolerance)) {
+            return TPointMathResult::OnElement;
+        }
+    }
+    return TPointMathResult::NoSolution;
+}
+
+// Sine and cosine of the turn CACoordinate::Rotate makes by angle.
+void TurnOf(double angle, double* co, double* si)
+{
+    *co = std::cos(angle);
+    *si = std::sin(angle);
+}
+
+// Tangent angle and chord angle at arc length L from the origin of the
+// clothoid of parameter A, as CMathClothoid computes them: L^2 / (2 A^2), and
+// atan(Y / X) of the local point (sign(Y) pi on the local Y axis).
+void ChordOf(CALength const& A, CALength const& L, CAAngle* tau, CAAngle* chordAngle)
+{
+    *tau = A.Double() == 0.0 ? CAAngle(0.0) : CAAngle(std::pow(L.Double(), 2.0) / (2.0 * std::pow(A.Double(), 2.0)));
+    CACoordinate const p = zelmath::CMathClothoid::GetLocalCoordinate(A, L);
+    CALength const x = p.X();
+    CALength const y = p.Y();
+    if (x.Double() == 0.0) {
+        *chordAngle = CAAngle(static_cast<double>(y.Sign()) * zellib::CAPi);
+    } else {
+        *chordAngle = CAAngle(std::atan(y / x));
+    }
+}
+
+// False when the element's origin cannot be read off exactly (then the
+// element is left to its class).
+bool PrepareClothoid(CAxisComplexSpec const& spec, PreparedElement* c)
+{
+    using zelmath::horizontal_detail::ArcLengthOfRadius;
+    using zelmath::horizontal_detail::LocalToWorld;
+    int const type = spec.ComplexType;
+    CALength const& A = spec.Parameter;
+    CALength const& rs = spec.Start.Radius;
+    CALength const& re = spec.End.Radius;
+    CACoordinate const& cs = spec.Start.Coordinate;
+    CACoordinate const& ce = spec.End.Coordinate;
+    CALength const length = spec.End.Station - spec.Start.Station;
+
+    // Arc length of the origin beyond the element, bending side and counting
+    // direction, as CMathClothoid::Kleinpunkt sets them.
+    CALength originArc(0.0);
+    bool right = false;
+    bool countsBackwards = false;
+    CALength radiusPreset = rs;
+    switch (type) {
+    case 0:
+        right = (re > 0.0) != 0;
+        radiusPreset = 0.0;
+        break;
+    case 1:
+        right = (rs > 0.0) != 0;
+        countsBackwards = true;
+        break;
+    case 2:
+        originArc = ArcLengthOfRadius(A, rs);
+        right = (re > 0.0) != 0;
+        break;
+    default:
+        originArc = ArcLengthOfRadius(A, re);
+        right = (rs > 0.0) != 0;
+        countsBackwards = true;
+        break;
+    }
+    c->kind = type;
+    c->parameter = A.Double();
+    c->absParameter = A.Absolute().Double();
+    c->parameterSquared = std::pow(A.Double(), 2.0);
+    c->twoParameterSquared = 2.0 * std::pow(A.Double(), 2.0);
+    c->originArc = originArc.Double();
+    c->right = right;
+    c->countsBackwards = countsBackwards;
+    c->radiusPreset = radiusPreset.Double();
+
+    // The origin and the origin tangent: the element's own point at the
+    // station of the origin, where the local point is (0, 0) and the tangent
+    // angle 0, so that the point is the origin and its azimuth theta0.
+    double originStation = 0.0;
+    switch (type) {
+    case 0:
+        originStation = c->startStation;
+        break;
+    case 1:
+        originStation = c->endStation;
+        break;
+    case 2:
+        originStation = c->startStation - c->originArc;
+        break;
+    default:
+        originStation = c->originArc + c->endStation;
+        break;
+    }
+    double const s = type == 2 ? c->originArc + originStation - c->startStation
+                               : type == 3 ? c->originArc + c->endStation - originStation : 0.0;
+    if (!TolEqual(s, 0.0)) {
+        return false;
+    }
+    zelmath::CAxisPointSpec origin;
+    zelmath::CMathClothoid::Kleinpunkt(spec, CALength(originStation), &origin);
+    c->originEast = origin.Coordinate.East().Double();
+    c->originNorth = origin.Coordinate.North().Double();
+    CAAngle const theta0 = origin.Azimuth;
+    c->theta0 = theta0.Double();
+    TurnOf(LocalToWorld(theta0).Double(), &c->turnCos, &c->turnSin);
+
+    // The end tangents of CMathClothoid::Lot, by the same operations.
+    CAAngle thetaStart;
+    CAAngle thetaEnd;
+    bool pointsBackwards = false;
+    if (type == 0 || type == 1) {
+        CAAngle t;
+        CAAngle al;
+        ChordOf(A, length, &t, &al);
+        if (type == 0) {
+            CAAzimuth const ph = (ce - cs).Azimuth();
+            if (re > 0.0) {
+                thetaStart = ph - al;
+                thetaEnd = thetaStart + t;
+            } else {
+                thetaStart = ph + al;
+                thetaEnd = thetaStart - t;
+            }
+        } else {
+            CAAzimuth const ph = (cs - ce).Azimuth();
+            if (rs > 0.0) {
+                thetaEnd = ph + al;
+                thetaStart = thetaEnd - t;
+            } else {
+                thetaEnd = ph - al;
+                thetaStart = thetaEnd + t;
+            }
+            pointsBackwards = true;
+        }
+    } else {
+        CAAngle tauS;
+        CAAngle tauE;
+        CAAngle alphaS;
+        CAAngle alphaE;
+        ChordOf(A, ArcLengthOfRadius(A, rs), &tauS, &alphaS);
+        ChordOf(A, ArcLengthOfRadius(A, re), &tauE, &alphaE);
+        CACoordinate const o = origin.Coordinate;
+        CAAngle th0;
+        if (type == 2) {
+            CAAzimuth const ph = (ce - o).Azimuth();
+            if (re > 0.0) {
+                th0 = ph - alphaE;
+                thetaStart = th0 + tauS;
+                thetaEnd = th0 + tauE;
+            } else {
+                th0 = ph + alphaE;
+                thetaStart = th0 - tauS;
+                thetaEnd = th0 - tauE;
+            }
+        } else {
+            CAAzimuth const ph = (cs - o).Azimuth();
+            if (rs > 0.0) {
+                th0 = ph + alphaS;
+                thetaEnd = th0 - tauE;
+                thetaStart = th0 - tauS;
+            } else {
+                th0 = ph - alphaS;
+                thetaEnd = th0 + tauE;
+                thetaStart = th0 + tauS;
+            }
+            pointsBackwards = true;
+        }
+    }
+    // The turn of CMathClothoid::Lot into a tangent's frame.
+    auto intoTangent = [pointsBackwards](CAAngle const& tangent) {
+        CAAngle turn = tangent + CAAngle(zellib::CAPidiv2);
+        if (!pointsBackwards) {
+            turn = turn + CAAngle(zellib::CAPi);
+        }
+        return turn.Double();
+    };
+    TurnOf(intoTangent(thetaStart), &c->startTangentCos, &c->startTangentSin);
+    TurnOf(intoTangent(thetaEnd), &c->endTangentCos, &c->endTangentSin);
+    return true;
+}
+
+}  // namespace
+
+PreparedElement PrepareElement(HorizontalElement const& element)
+{
+    CAxisComplexSpec const& spec = element.spec;
+    PreparedElement c;
+    c.type = element.type;
+    c.startStation = spec.Start.Station.Double();
+    c.endStation = spec.End.Station.Double();
+    c.startEast = spec.Start.Coordinate.East().Double();
+    c.startNorth = spec.Start.Coordinate.North().Double();
+    c.endEast = spec.End.Coordinate.East().Double();
+    c.endNorth = spec.End.Coordinate.North().Double();
+    CACoordinate const d = spec.End.Coordinate - spec.Start.Coordinate;
+    switch (element.type) {
+    case ElementType::Line: {
+        c.chordEast = d.East().Double();
+        c.chordNorth = d.North().Double();
+        c.chordLength = d.Length().Double();
+        CAAzimuth const az = d.Azimuth();
+        c.chordAzimuth = az.Double();
+        TurnOf((CAAngle(zellib::CAPi + zellib::CAPidiv2) + az).Double(), &c.intoCos, &c.intoSin);
+        TurnOf((CAAngle(zellib::CAPidiv2) - az).Double(), &c.backCos, &c.backSin);
+        // A straight without length has no direction: left to the element class.
+        c.prepared = !(d.Length() == 0.0);
+        break;
+    }
+    case ElementType::Arc: {
+        CALength const& R = spec.Start.Radius;
+        CACoordinate const C = zelmath::CMathCircle::Center(spec.Start.Coordinate, spec.End.Coordinate, R);
+        c.radius = R.Double();
+        c.absRadius = R.Absolute().Double();
+        c.centreEast = C.East().Double();
+        c.centreNorth = C.North().Double();
+        CACoordinate const r = spec.Start.Coordinate - C;
+        c.radialEast = r.East().Double();
+        c.radialNorth = r.North().Double();
+        CAAzimuth const azS = r.Azimuth();
+        CAAzimuth const azE = (spec.End.Coordinate - C).Azimuth();
+        c.startRadial = azS.Double();
+        c.endRadial = azE.Double();
+        c.arcLength = (R.Absolute() * (azE - azS).Double()).Double();
+        TurnOf(azS.Double(), &c.startCos, &c.startSin);
+        TurnOf(azE.Double(), &c.endCos, &c.endSin);
+        c.prepared = true;
+        break;
+    }
+    case ElementType::Clothoid:
+        c.prepared = spec.ComplexType >= 0 && spec.ComplexType <= 3 && PrepareClothoid(spec, &c);
+        break;
+    case ElementType::CubicParabola:
+    case ElementType::HalfSine:
+        break;
+    }
+    return c;
+}
+
+void PreparedKleinpunkt(HorizontalElement const& element, PreparedElement const& c, double station,
+                        AlignmentPoint* out)
+{
+    if (!c.prepared) {
+        ElementKleinpunkt(element, station, out);
+        return;
+    }
+    switch (c.type) {
+    case ElementType::Line:
+        LinePoint(c, station - c.startStation, out);
+        break;
+    case ElementType::Arc:
+        ArcPoint(c, station - c.startStation, out);
+        break;
+    case ElementType::Clothoid:
+        ClothoidPoint(c, station, out);
+        break;
+    case ElementType::CubicParabola:
+    case ElementType::HalfSine:
+        ElementKleinpunkt(element, station, out);
+        return;
+    }
+    out->station = station;
+}
+
+int PreparedLot(HorizontalElement const& element, PreparedElement const& c, double east, double north,
+                AlignmentPoint* out)
+{
+    if (!c.prepared) {
+        return ElementLot(element, CACoordinate(east, north), out);
+    }
+    int result = TPointMathResult::NoSolution;
+    switch (c.type) {
+    case ElementType::Line:
+        result = LineLot(c, east, north, out);
+        out->station = out->station + c.startStation;
+        break;
+    case ElementType::Arc:
+        result = ArcLot(c, east, north, out);
+        out->station = out->station + c.startStation;
+        break;
+    case ElementType::Clothoid:
+        result = ClothoidLot(c, east, north, out);
+        break;
+    case ElementType::CubicParabola:
+    case ElementType::HalfSine:
+        result = ElementLot(element, CACoordinate(east, north), out);
+        break;
+    }
     return result;
 }
 

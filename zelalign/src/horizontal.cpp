@@ -4,10 +4,15 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <zelalign/error.h>
 #include <string>
 #include <utility>
 
+#include <boost/geometry/geometries/box.hpp>
+#include <boost/geometry/geometries/point.hpp>
+#include <boost/geometry/index/rtree.hpp>
+#include <boost/iterator/function_output_iterator.hpp>
+
+#include <zelalign/error.h>
 #include <zelmath/complex_shape.h>
 
 #include "element_dispatch.h"
@@ -24,8 +29,11 @@ constexpr double Pi = 3.14159265358979323846;
 
 // Points sampled along an element for its bounding box: one every
 // BoxSampleSpacing metres, at least BoxMinSamples and at most BoxMaxSamples.
-constexpr double BoxSampleSpacing = 2.0;
-constexpr int BoxMinSamples = 16;
+// The margin below covers the arc height of the curve between two samples, so
+// a coarse spacing only widens a box by that height (about 5 cm for 25 m on
+// R 1500 m) and keeps building an alignment cheap.
+constexpr double BoxSampleSpacing = 25.0;
+constexpr int BoxMinSamples = 8;
 constexpr int BoxMaxSamples = 20000;
 // Margin added around every bounding box (metres), besides the arc height of
 // the sampled chords.
@@ -33,7 +41,64 @@ constexpr double BoxMargin = 0.01;
 // Two projection candidates closer than this (metres) count as equally near.
 constexpr double NearTie = 1e-9;
 
+// The search for candidate elements: a square window of half-width
+// InitialSearchRadius (metres) beyond the distance of the point from the
+// alignment's overall bounds, widened by SearchGrowth until the nearest foot
+// found lies inside it. Candidates are taken CandidateCapacity at a time,
+// nearest box first; more in the window are taken in further rounds.
+constexpr double InitialSearchRadius = 64.0;
+constexpr double SearchGrowth = 4.0;
+constexpr int CandidateCapacity = 32;
+// Relative widening of the search window against the rounding of its corners.
+constexpr double WindowSlack = 1e-9;
+// Feet computed for one measured point that are kept for the neighbour tests
+// of the kink and end logic; an evicted one is computed again, with the same
+// result.
+constexpr int FootCacheSize = 16;
+
+// The exact foot: at most MaxExactSteps Newton steps; the step's divisor
+// 1 - curvature * offset is kept at least MinNewtonDivisor (points near or
+// beyond the centre of curvature take damped steps).
+constexpr int MaxExactSteps = 16;
+constexpr double MinNewtonDivisor = 0.1;
+
+namespace bg = boost::geometry;
+namespace bgi = boost::geometry::index;
+using IndexPoint = bg::model::point<double, 2, bg::cs::cartesian>;
+using IndexBox = bg::model::box<IndexPoint>;
+using IndexValue = std::pair<IndexBox, int>;
+// Bulk-loaded (packed) once from all boxes; at most 16 entries per node.
+using IndexTree = bgi::rtree<IndexValue, bgi::rstar<16>>;
+
+struct Box {
+    double minEast, minNorth, maxEast, maxNorth;
+};
+
+// Distance (metres) from a point to a box, 0 inside.
+double BoxDistance(IndexBox const& b, double east, double north)
+{
+    double const de = std::max({b.min_corner().get<0>() - east, 0.0, east - b.max_corner().get<0>()});
+    double const dn = std::max({b.min_corner().get<1>() - north, 0.0, north - b.max_corner().get<1>()});
+    return std::hypot(de, dn);
+}
+
+// A candidate element, ordered by the distance of its box, then its index.
+struct Candidate {
+    double distance;
+    int index;
+    bool operator<(Candidate const& o) const
+    {
+        return distance < o.distance || (distance == o.distance && index < o.index);
+    }
+};
+
 }  // namespace
+
+struct HorizontalAlignment::Index {
+    std::vector<detail::PreparedElement> prepared;
+    IndexTree tree;
+    Box bounds{};  // of all boxes
+};
 
 char const* ElementTypeName(ElementType type)
 {
@@ -150,12 +215,35 @@ HorizontalAlignment::HorizontalAlignment(std::vector<HorizontalElement> elements
                                         ", before the end of the previous element");
         }
     }
-    for (std::size_t i = 0; i < m_elements.size(); ++i) {
-        int const index = static_cast<int>(i);
-        m_starts.push_back(ElementPoint(index, m_elements[i].StartStation()));
-        m_ends.push_back(ElementPoint(index, m_elements[i].EndStation()));
-        m_boxes.push_back(ElementBox(index));
+    auto index = std::make_shared<Index>();
+    index->prepared.reserve(m_elements.size());
+    for (HorizontalElement const& e : m_elements) {
+        index->prepared.push_back(detail::PrepareElement(e));
     }
+    m_index = index;
+    std::vector<IndexValue> boxes;
+    boxes.reserve(m_elements.size());
+    Box all{std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity(),
+            -std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
+    for (std::size_t i = 0; i < m_elements.size(); ++i) {
+        int const n = static_cast<int>(i);
+        m_starts.push_back(ElementPoint(n, m_elements[i].StartStation()));
+        m_ends.push_back(ElementPoint(n, m_elements[i].EndStation()));
+        double b[4];
+        ElementBox(n, b);
+        if (!(b[0] <= b[2]) || !(b[1] <= b[3])) {
+            // No finite point: the element is never a candidate.
+            continue;
+        }
+        boxes.emplace_back(IndexBox(IndexPoint(b[0], b[1]), IndexPoint(b[2], b[3])), n);
+        all.minEast = std::min(all.minEast, b[0]);
+        all.minNorth = std::min(all.minNorth, b[1]);
+        all.maxEast = std::max(all.maxEast, b[2]);
+        all.maxNorth = std::max(all.maxNorth, b[3]);
+    }
+    // The range constructor packs the tree (sort-tile-recursive bulk loading).
+    index->tree = IndexTree(boxes.begin(), boxes.end());
+    index->bounds = all;
 }
 
 double HorizontalAlignment::StartStation() const
@@ -199,12 +287,29 @@ bool HorizontalAlignment::PointAt(double station, AlignmentPoint* point) const
 AlignmentPoint HorizontalAlignment::ElementPoint(int index, double station) const
 {
     AlignmentPoint p;
+    std::size_t const i = static_cast<std::size_t>(index);
+    detail::PreparedKleinpunkt(m_elements[i], m_index->prepared[i], station, &p);
+    p.element = index;
+    return p;
+}
+
+AlignmentPoint HorizontalAlignment::LiteralElementPoint(int index, double station) const
+{
+    AlignmentPoint p;
     detail::ElementKleinpunkt(m_elements[static_cast<std::size_t>(index)], station, &p);
     p.element = index;
     return p;
 }
 
-HorizontalAlignment::Box HorizontalAlignment::ElementBox(int index) const
+int HorizontalAlignment::LiteralElementFoot(int index, double east, double north, AlignmentPoint* foot) const
+{
+    int const result =
+        detail::ElementLot(m_elements[static_cast<std::size_t>(index)], CACoordinate(east, north), foot);
+    foot->element = index;
+    return result;
+}
+
+void HorizontalAlignment::ElementBox(int index, double* out) const
 {
     HorizontalElement const& e = m_elements[static_cast<std::size_t>(index)];
     double const length = e.Length();
@@ -238,19 +343,70 @@ HorizontalAlignment::Box HorizontalAlignment::ElementBox(int index) const
     }
     add(e.spec.Start.Coordinate.East().Double(), e.spec.Start.Coordinate.North().Double());
     add(e.spec.End.Coordinate.East().Double(), e.spec.End.Coordinate.North().Double());
-    box.minEast -= margin;
-    box.minNorth -= margin;
-    box.maxEast += margin;
-    box.maxNorth += margin;
-    return box;
+    out[0] = box.minEast - margin;
+    out[1] = box.minNorth - margin;
+    out[2] = box.maxEast + margin;
+    out[3] = box.maxNorth + margin;
 }
 
-HorizontalAlignment::Foot HorizontalAlignment::ElementFoot(int index, CACoordinate const& p) const
+namespace {
+
+// Components of (east, north) - point along the tangent of azimuth and across
+// it (positive to the right).
+void TangentComponents(double east, double north, AlignmentPoint const& point, double* along, double* across)
 {
-    Foot foot;
-    foot.result = detail::ElementLot(m_elements[static_cast<std::size_t>(index)], p, &foot.point);
-    foot.point.element = index;
-    return foot;
+    double const de = east - point.east;
+    double const dn = north - point.north;
+    double const s = std::sin(point.azimuth);
+    double const c = std::cos(point.azimuth);
+    *along = de * s + dn * c;
+    *across = de * c - dn * s;
+}
+
+}  // namespace
+
+int HorizontalAlignment::ElementFoot(int index, double east, double north, ProjectionAccuracy accuracy,
+                                     AlignmentPoint* foot) const
+{
+    // Only the prepared constants are read on this path (one compact record
+    // per element), unless the element is left to its class.
+    std::size_t const i = static_cast<std::size_t>(index);
+    HorizontalElement const& e = m_elements[i];
+    detail::PreparedElement const& c = m_index->prepared[i];
+    int const result = detail::PreparedLot(e, c, east, north, foot);
+    foot->element = index;
+    if (result != TPointMathResult::OnElement || accuracy != ProjectionAccuracy::Exact ||
+        c.type == ElementType::Line || c.type == ElementType::Arc) {
+        return result;
+    }
+    // Newton on the tangency condition a(s) = (P - C(s)) . T(s) = 0, with
+    // a'(s) = -1 + k(s) r(s) (k the signed curvature, r the offset to the right).
+    AlignmentPoint current = *foot;
+    double along = 0.0;
+    double across = 0.0;
+    TangentComponents(east, north, current, &along, &across);
+    for (int step = 0; step < MaxExactSteps && !(std::fabs(along) < ExactFootTolerance); ++step) {
+        double const curvature = current.radius == 0.0 ? 0.0 : 1.0 / current.radius;
+        double const divisor = std::max(1.0 - curvature * across, MinNewtonDivisor);
+        double const s = std::min(std::max(current.station + along / divisor, c.startStation), c.endStation);
+        if (!(s != current.station)) {
+            break;  // held at an element end
+        }
+        AlignmentPoint next;
+        detail::PreparedKleinpunkt(e, c, s, &next);
+        double nextAlong = 0.0;
+        double nextAcross = 0.0;
+        TangentComponents(east, north, next, &nextAlong, &nextAcross);
+        if (!(std::fabs(nextAlong) < std::fabs(along))) {
+            break;  // no progress: the better foot stays
+        }
+        current = next;
+        along = nextAlong;
+        across = nextAcross;
+    }
+    current.element = index;
+    *foot = current;
+    return result;
 }
 
 namespace {
@@ -277,7 +433,7 @@ double Bisector(double a, double b)
 
 }  // namespace
 
-Projection HorizontalAlignment::Project(double east, double north) const
+Projection HorizontalAlignment::Project(double east, double north, ProjectionAccuracy accuracy) const
 {
     Projection best;
     best.distance = std::numeric_limits<double>::infinity();
@@ -290,32 +446,28 @@ Projection HorizontalAlignment::Project(double east, double north) const
         best.along = std::numeric_limits<double>::quiet_NaN();
         return best;
     }
-    CACoordinate const p(east, north);
     std::size_t const n = m_elements.size();
 
-    // Candidate elements by their distance from the point: a foot on an element
-    // lies inside its box, so no element whose box is farther than the best
-    // distance found can give a nearer one.
-    std::vector<std::pair<double, int>> order;
-    order.reserve(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        Box const& b = m_boxes[i];
-        double const de = std::max({b.minEast - east, 0.0, east - b.maxEast});
-        double const dn = std::max({b.minNorth - north, 0.0, north - b.maxNorth});
-        order.emplace_back(std::hypot(de, dn), static_cast<int>(i));
-    }
-    // A heap hands out the nearest boxes first; on a long alignment only the few
-    // near the point are ever taken out of it.
-    auto const farther = [](std::pair<double, int> const& a, std::pair<double, int> const& b) { return b < a; };
-    std::make_heap(order.begin(), order.end(), farther);
-
-    constexpr int NotComputed = -1;
-    std::vector<Foot> feet(n, Foot{NotComputed, AlignmentPoint{}});
+    // Feet already computed for this point, in a fixed ring.
+    struct Foot {
+        int index;
+        int result;  // zelmath::TPointMathResult::Type
+        AlignmentPoint point;
+    };
+    Foot cache[FootCacheSize];
+    int cached = 0;
+    int nextSlot = 0;
     auto footOf = [&](int i) -> Foot const& {
-        Foot& f = feet[static_cast<std::size_t>(i)];
-        if (f.result == NotComputed) {
-            f = ElementFoot(i, p);
+        for (int k = 0; k < cached; ++k) {
+            if (cache[k].index == i) {
+                return cache[k];
+            }
         }
+        int const slot = cached < FootCacheSize ? cached++ : nextSlot;
+        nextSlot = (slot + 1) % FootCacheSize;
+        Foot& f = cache[slot];
+        f.index = i;
+        f.result = ElementFoot(i, east, north, accuracy, &f.point);
         return f;
     };
 
@@ -347,15 +499,10 @@ Projection HorizontalAlignment::Project(double east, double north) const
         offer(ProjectionStatus::Kink, joint, azimuth);
     };
 
-    while (!order.empty()) {
-        std::pop_heap(order.begin(), order.end(), farther);
-        auto const [boxDistance, i] = order.back();
-        order.pop_back();
-        if (boxDistance > best.distance + NearTie) {
-            break;
-        }
+    auto consider = [&](int i) {
         Foot const& f = footOf(i);
-        switch (f.result) {
+        int const result = f.result;
+        switch (result) {
         case TPointMathResult::OnElement:
             offer(ProjectionStatus::OnElement, f.point, f.point.azimuth);
             break;
@@ -376,6 +523,71 @@ Projection HorizontalAlignment::Project(double east, double north) const
         default:
             break;
         }
+    };
+
+    // Candidate elements nearest box first, in the order (box distance, index):
+    // a foot on an element lies inside its box, so once a box lies farther
+    // than the nearest foot found, no later one can give a nearer foot. Each
+    // round takes the nearest CandidateCapacity boxes after the last one taken
+    // that lie within the window; when fewer are left the window has been
+    // exhausted and grows unless the nearest foot already lies inside it.
+    Box const& all = m_index->bounds;
+    double const outside = std::hypot(std::max({all.minEast - east, 0.0, east - all.maxEast}),
+                                      std::max({all.minNorth - north, 0.0, north - all.maxNorth}));
+    double const reach = std::hypot(std::max(east - all.minEast, all.maxEast - east),
+                                    std::max(north - all.minNorth, all.maxNorth - north));
+    double radius = outside + InitialSearchRadius;
+    Candidate last{-std::numeric_limits<double>::infinity(), -1};
+    Candidate taken[CandidateCapacity];
+    for (;;) {
+        int count = 0;
+        bool overflow = false;
+        // Once the window reaches the farthest bound every box is in it.
+        bool const everything = !(radius < reach);
+        auto collect = [&](IndexValue const& v) {
+            Candidate const c{BoxDistance(v.first, east, north), v.second};
+            if (!(everything || c.distance <= radius) || !(last < c)) {
+                return;
+            }
+            if (count == CandidateCapacity) {
+                overflow = true;
+                if (!(c < taken[count - 1])) {
+                    return;
+                }
+                --count;
+            }
+            int k = count++;
+            for (; k > 0 && c < taken[k - 1]; --k) {
+                taken[k] = taken[k - 1];
+            }
+            taken[k] = c;
+        };
+        // The square around the point, widened by the rounding of its corners.
+        double const half = radius + WindowSlack * (std::fabs(east) + std::fabs(north) + radius);
+        IndexBox const window = everything ? IndexBox(IndexPoint(all.minEast, all.minNorth),
+                                                      IndexPoint(all.maxEast, all.maxNorth))
+                                           : IndexBox(IndexPoint(east - half, north - half),
+                                                      IndexPoint(east + half, north + half));
+        m_index->tree.query(bgi::intersects(window), boost::make_function_output_iterator(collect));
+        bool done = false;
+        for (int k = 0; k < count; ++k) {
+            if (taken[k].distance > best.distance + NearTie) {
+                done = true;
+                break;
+            }
+            consider(taken[k].index);
+            last = taken[k];
+        }
+        if (done) {
+            break;
+        }
+        if (overflow) {
+            continue;  // more boxes in this window
+        }
+        if (best.distance + NearTie <= radius || everything) {
+            break;  // every box that could hold a nearer foot has been tried
+        }
+        radius *= SearchGrowth;
     }
     if (best.status == ProjectionStatus::NoSolution) {
         best = Projection{};

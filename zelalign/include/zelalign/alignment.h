@@ -100,20 +100,24 @@ public:
     // Stations a measured point (east, north in metres; height in metres or NaN
     // when not measured). Non-finite coordinates give status Invalid.
     //
-    // Accuracy: the foot is that of the element operations of zelmath (the
-    // projection stops when the step along the tangent falls below 0.4 mm on a
-    // transition; straights and arcs are exact).
-    StationedPoint Station(double east, double north,
-                           double height = std::numeric_limits<double>::quiet_NaN()) const;
+    // Accuracy (see ProjectionAccuracy): by default the foot is exact, the
+    // measured point lying less than 1 micrometre along the tangent at it;
+    // ProjectionAccuracy::Element gives the element operations' foot (their
+    // search stops within 0.4 mm along the tangent on a transition; straights
+    // and arcs are exact either way).
+    StationedPoint Station(double east, double north, double height = std::numeric_limits<double>::quiet_NaN(),
+                           ProjectionAccuracy accuracy = ProjectionAccuracy::Exact) const;
 
     // Stations count points into out[0 .. count). height may be null (no
     // heights measured). threads > 1 splits the work with ParallelFor; the
     // results are the same for any number of threads.
     void Station(std::size_t count, double const* east, double const* north, double const* height,
-                 StationedPoint* out, unsigned threads = 1) const;
+                 StationedPoint* out, unsigned threads = 1,
+                 ProjectionAccuracy accuracy = ProjectionAccuracy::Exact) const;
     // The same into caller-owned column arrays (see StationColumns).
     void Station(std::size_t count, double const* east, double const* north, double const* height,
-                 StationColumns const& out, unsigned threads = 1) const;
+                 StationColumns const& out, unsigned threads = 1,
+                 ProjectionAccuracy accuracy = ProjectionAccuracy::Exact) const;
 
     // The design point at a station. False (point untouched) for a station
     // outside the alignment or not finite.

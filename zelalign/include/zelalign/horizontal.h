@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -87,6 +88,24 @@ struct Projection {
     double distance = 0.0;  // distance from the measured point to the reported point
 };
 
+// How far the foot of a measured point is driven along the element.
+//
+// Exact: the element operation's foot search is continued by Newton steps on
+// the tangency condition (the measured point lies across the tangent at the
+// foot) on the element's own geometry, until the measured point lies less
+// than ExactFootTolerance along the tangent at the foot (ExactFootTolerance is
+// 1e-7 m; the documented guarantee is 1 micrometre). A foot that the search
+// pushes against an element end stays at that end.
+//
+// Element: the element operation's foot as it stands (zelmath's Lot): the
+// transitions stop their search when the point lies no farther than 0.4 mm
+// along the tangent at the trial foot, so the station can be off by up to
+// about that much; straights and arcs are exact either way.
+enum class ProjectionAccuracy { Exact, Element };
+
+// Distance along the tangent (metres) below which an exact foot is accepted.
+inline constexpr double ExactFootTolerance = 1e-7;
+
 // A joint where an element's computed end does not meet the next element's start.
 struct JointGap {
     int element = -1;  // the element whose end was computed; the gap is to element + 1
@@ -120,27 +139,39 @@ public:
     // continue the element's geometry).
     AlignmentPoint ElementPoint(int index, double station) const;
 
-    // Perpendicular projection of a measured point onto the chain.
-    Projection Project(double east, double north) const;
+    // Perpendicular projection of a measured point onto the chain. The
+    // candidate elements come from a static R-tree of the elements' bounding
+    // boxes, nearest box first, so the cost hardly grows with the number of
+    // elements; the call allocates nothing.
+    Projection Project(double east, double north,
+                       ProjectionAccuracy accuracy = ProjectionAccuracy::Exact) const;
 
     // Joints where the computed end of an element misses the next element's
     // start by more than tolerance metres.
     std::vector<JointGap> CheckJoints(double tolerance) const;
 
-private:
-    struct Box {
-        double minEast, minNorth, maxEast, maxNorth;
-    };
-    struct Foot {
-        int result;  // zelmath::TPointMathResult::Type
-        AlignmentPoint point;
-    };
+    // The element's own operations, called literally (zelmath's Kleinpunkt and
+    // Lot through the element's class, without the prepared constants and
+    // without the exact foot); kept for comparison and tests.
+    AlignmentPoint LiteralElementPoint(int index, double station) const;
+    // Result code of zelmath::TPointMathResult; *foot complete for OnElement.
+    int LiteralElementFoot(int index, double east, double north, AlignmentPoint* foot) const;
 
-    Foot ElementFoot(int index, zelmath::CACoordinate const& p) const;
-    Box ElementBox(int index) const;
+    // The foot on one element through its prepared constants, made exact when
+    // asked; the result code as LiteralElementFoot.
+    int ElementFoot(int index, double east, double north, ProjectionAccuracy accuracy,
+                    AlignmentPoint* foot) const;
+
+private:
+    // The prepared constants of every element and the spatial index over their
+    // bounds (internal; shared by copies, never changed after construction).
+    struct Index;
+
+    // Bounding box of an element: min east, min north, max east, max north.
+    void ElementBox(int index, double* out) const;
 
     std::vector<HorizontalElement> m_elements;
-    std::vector<Box> m_boxes;
+    std::shared_ptr<Index const> m_index;
     std::vector<AlignmentPoint> m_starts;  // computed start point of each element
     std::vector<AlignmentPoint> m_ends;    // computed end point of each element
 };
