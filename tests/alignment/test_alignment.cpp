@@ -268,3 +268,22 @@ TEST(Version, IsTheBuildsVersionNumber)
               std::to_string(ZELALIGN_VERSION_MAJOR) + "." + std::to_string(ZELALIGN_VERSION_MINOR) + "." +
                   std::to_string(ZELALIGN_VERSION_PATCH));
 }
+
+// A point abeam of the start of a straight: the straight's foot arithmetic may
+// give a station a rounding error before the start (-1.8e-16); the station is
+// the start itself, so the profile gives its height there.
+TEST(Alignment, PointAbeamOfTheStartGetsTheStartStation)
+{
+    std::vector<HorizontalElement> e;
+    e.push_back(HorizontalElement::Line(0.0, 100.0, CACoordinate(0.0, 0.0), CACoordinate(0.0, 100.0)));
+    VerticalProfile profile({{0.0, 10.0, VerticalCurveType::None, 0.0}, {100.0, 11.0, VerticalCurveType::None, 0.0}});
+    Alignment const a("S", HorizontalAlignment(e), profile);
+    for (double offset : {1.0, -1.0, 1e-3, 1234.5}) {
+        StationedPoint const p = a.Station(offset, 0.0, 10.5);
+        EXPECT_GE(p.station, 0.0) << offset;
+        EXPECT_NEAR(p.station, 0.0, 1e-12) << offset;
+        EXPECT_NEAR(p.offset, offset, 1e-9) << offset;  // East of a straight running North is right
+        EXPECT_NEAR(p.designHeight, 10.0, 1e-12) << offset;
+        EXPECT_NEAR(p.heightDifference, 0.5, 1e-12) << offset;
+    }
+}

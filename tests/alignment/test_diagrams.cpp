@@ -411,3 +411,38 @@ TEST(Points, OutsideTheToleranceLargestExcessFirst)
     EXPECT_NEAR(out[1].excess, 0.03, 1e-12);
     EXPECT_THROW(zelalign::PointDeviations(0, nullptr, nullptr, nullptr, -1.0), zelalign::ArgumentError);
 }
+
+// The cant table of tests/data/landxml/cant_millimetres.xml (mm in the file):
+// 0 at 100, 120 at 200 (right-hand curve, positive), held to 400, a Bloss
+// run-out to 0 at 500, a biquadratic run-in to 80 at 600 in a left-hand curve
+// (negative). Worked by hand: Bloss f = 3t^2 - 2t^3 gives f(1/2) = 1/2, so
+// 60 mm at 450; the biquadratic f = 2t^2 gives f(1/4) = 1/8, so -10 mm at 525.
+TEST(CantSamples, EveryCantStationAndTheCurvedRunOutsBetween)
+{
+    zelalign::Alignment const a =
+        zelalign::ReadLandXml(std::string(ZEL_SOURCE_DIR) + "/tests/data/landxml/cant_millimetres.xml");
+    std::vector<zelalign::CantSample> const s = zelalign::CantSamples(a.Cant());
+    auto at = [&s](double station) {
+        for (zelalign::CantSample const& c : s) {
+            if (std::fabs(c.station - station) < 1e-9) {
+                return c.cant;
+            }
+        }
+        ADD_FAILURE() << "no sample at " << station;
+        return std::nan("");
+    };
+    EXPECT_NEAR(at(100.0), 0.0, 1e-12);
+    EXPECT_NEAR(at(200.0), 0.120, 1e-12);
+    EXPECT_NEAR(at(400.0), 0.120, 1e-12);
+    EXPECT_NEAR(at(450.0), 0.060, 1e-12);
+    EXPECT_NEAR(at(500.0), 0.0, 1e-12);
+    EXPECT_NEAR(at(525.0), -0.010, 1e-12);
+    EXPECT_NEAR(at(600.0), -0.080, 1e-12);
+    // Linear run-outs are straight between their ends: no inner samples.
+    for (zelalign::CantSample const& c : s) {
+        EXPECT_FALSE(c.station > 100.0 && c.station < 200.0) << c.station;
+    }
+    // 5 stations, and 15 inner samples in each of the two curved run-outs.
+    EXPECT_EQ(s.size(), 5u + 2u * (zelalign::CantRunOutSamples - 1));
+    EXPECT_TRUE(zelalign::CantSamples(zelalign::CantProfile()).empty());
+}

@@ -141,3 +141,21 @@ TEST(SampleAlignment, MeasuredPointsLieWhereTheyWereLaidOut)
     }
     EXPECT_EQ(checked, 3000);
 }
+
+// A point 4.46 m beside the joint where the left-turning arc of radius 1500
+// begins (station 13970, element 6): the arc's own foot search puts it one full
+// turn later, at 13970 + 2 pi 1500 = 23394.78, far beyond the alignment's end.
+// The point belongs at the joint: its distance from the joint's coordinate
+// (E 2601643.1542, N 1200663.0115 in the file) is the offset.
+TEST(Sample, AFootOneTurnRoundAnArcIsNoFootOnIt)
+{
+    Alignment const& a = Sample();
+    double const east = 2601643.148333971;
+    double const north = 1200658.547172005;
+    zelalign::StationedPoint const p = a.Station(east, north);
+    EXPECT_NE(p.status, ProjectionStatus::NoSolution);
+    EXPECT_NEAR(p.station, 13970.0, 0.01);
+    EXPECT_LE(p.station, a.EndStation());
+    double const toJoint = std::hypot(east - 2601643.1542, north - 1200663.0115);
+    EXPECT_NEAR(std::fabs(p.offset), toJoint, 0.01);
+}

@@ -348,3 +348,13 @@ TEST_F(ZelReport, FailuresKeepTheirExitCodesAndLeaveNoReport)
     EXPECT_NE(r.out.find("--tolerance"), std::string::npos);
     EXPECT_NE(r.out.find("--svg"), std::string::npos);
 }
+
+TEST(ZelReportCant, AnAlignmentWithCantGetsTheCantDiagram)
+{
+    Result const r = Zel("report " + std::string(ZEL_SOURCE_DIR) + "/tests/data/landxml/cant_millimetres.xml");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_FALSE(FigureSvg(r.out, "cant").empty());
+    Result const s = Zel("report " + std::string(ZEL_SOURCE_DIR) + "/data/sample/alignment.xml");
+    ASSERT_EQ(s.status, 0) << s.err;
+    EXPECT_TRUE(FigureSvg(s.out, "cant").empty());  // the sample has no cant
+}

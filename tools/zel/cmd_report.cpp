@@ -42,15 +42,6 @@ struct ReportOptions {
     std::string svgDir;      // empty: no SVG files
 };
 
-// The cant of the alignment, in station order. The alignment layer does not
-// carry cant yet, so this gives none and the report leaves the cant diagram
-// out; once the alignment reports cant, its samples are returned here and
-// the diagram is drawn from them (report::CantFigure).
-std::vector<zelalign::CantSample> AlignmentCant(zelalign::Alignment const& /*alignment*/)
-{
-    return {};
-}
-
 // The measured points of the file, stationed.
 struct StationedFile {
     std::vector<std::string> ids;
@@ -151,7 +142,7 @@ int RunReport(ReportOptions const& o)
     if (!a.Profile().Empty()) {
         figures.push_back(report::ProfileFigure(zelalign::MakeProfileDiagram(a.Profile(), step), axis));
     }
-    std::vector<zelalign::CantSample> const cant = zelalign::CantDiagram(AlignmentCant(a));
+    std::vector<zelalign::CantSample> const cant = zelalign::CantDiagram(zelalign::CantSamples(a.Cant()));
     if (!cant.empty()) {
         figures.push_back(report::CantFigure(cant, axis));
     }

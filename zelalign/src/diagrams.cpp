@@ -271,6 +271,28 @@ std::vector<CantSample> CantDiagram(std::vector<CantSample> samples)
     return samples;
 }
 
+std::vector<CantSample> CantSamples(CantProfile const& cant)
+{
+    std::vector<CantSample> samples;
+    std::vector<CantStation> const& stations = cant.Stations();
+    for (std::size_t i = 0; i < stations.size(); ++i) {
+        samples.push_back(CantSample{stations[i].station, stations[i].cant});
+        if (i + 1 == stations.size() || stations[i].shape == CantShape::Linear) {
+            continue;
+        }
+        double const a = stations[i].station;
+        double const b = stations[i + 1].station;
+        for (int k = 1; k < CantRunOutSamples; ++k) {
+            double const s = a + (b - a) * k / CantRunOutSamples;
+            double c = 0.0;
+            if (cant.AppliedCant(s, &c)) {
+                samples.push_back(CantSample{s, c});
+            }
+        }
+    }
+    return samples;
+}
+
 std::vector<PointDeviation> PointDeviations(std::size_t count, StationedPoint const* points, double const* east,
                                             double const* north, double tolerance)
 {

@@ -62,6 +62,13 @@ constexpr int FootCacheSize = 16;
 constexpr int MaxExactSteps = 16;
 constexpr double MinNewtonDivisor = 0.1;
 
+// A foot that an element operation reports on the element, but at a station
+// past one of its ends, is held at that end when it strays by less than this
+// (the rounding of the element's own station arithmetic, e.g. -1.8e-16 abeam
+// of a straight's start); farther out it is no foot on the element: an arc's
+// foot just before its start comes back one full turn later, at start + 2 pi R.
+constexpr double FootStationSlack = 1e-6;  // metres
+
 namespace bg = boost::geometry;
 namespace bgi = boost::geometry::index;
 using IndexPoint = bg::model::point<double, 2, bg::cs::cartesian>;
@@ -373,8 +380,21 @@ int HorizontalAlignment::ElementFoot(int index, double east, double north, Proje
     std::size_t const i = static_cast<std::size_t>(index);
     HorizontalElement const& e = m_elements[i];
     detail::PreparedElement const& c = m_index->prepared[i];
-    int const result = detail::PreparedLot(e, c, east, north, foot);
+    int result = detail::PreparedLot(e, c, east, north, foot);
     foot->element = index;
+    if (result == TPointMathResult::OnElement &&
+        !(foot->station >= c.startStation && foot->station <= c.endStation)) {
+        if (foot->station >= c.startStation - FootStationSlack && foot->station <= c.endStation + FootStationSlack) {
+            foot->station = std::min(std::max(foot->station, c.startStation), c.endStation);
+        } else {
+            // Off the element: before its start or beyond its end, whichever end the point is nearer.
+            AlignmentPoint const& start = m_starts[i];
+            AlignmentPoint const& end = m_ends[i];
+            bool const nearerStart = std::hypot(east - start.east, north - start.north) <=
+                                     std::hypot(east - end.east, north - end.north);
+            return nearerStart ? TPointMathResult::BeforeStart : TPointMathResult::BeyondEnd;
+        }
+    }
     if (result != TPointMathResult::OnElement || accuracy != ProjectionAccuracy::Exact ||
         c.type == ElementType::Line || c.type == ElementType::Arc) {
         return result;

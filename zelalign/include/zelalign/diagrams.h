@@ -21,6 +21,7 @@
 #include <vector>
 
 #include <zelalign/alignment.h>
+#include <zelalign/cant.h>
 #include <zelalign/horizontal.h>
 #include <zelalign/polyline.h>
 #include <zelalign/profile.h>
@@ -192,6 +193,13 @@ struct CantSample {
 // order, so a jump shows as two samples) with the samples that are not finite
 // left out. Empty when the alignment has no cant.
 ZELALIGN_EXPORT std::vector<CantSample> CantDiagram(std::vector<CantSample> samples);
+
+// Samples of an alignment's cant table for the diagram: every cant station,
+// and between two of them CantRunOutSamples - 1 inner samples of a curved
+// run-out (Bloss, cosine, biquadratic; a linear one is straight between its
+// ends). Empty when the alignment has no cant.
+inline constexpr int CantRunOutSamples = 16;
+ZELALIGN_EXPORT std::vector<CantSample> CantSamples(CantProfile const& cant);
 
 // ---------------------------------------------------------------- points
 
