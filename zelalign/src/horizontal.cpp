@@ -372,6 +372,25 @@ void TangentComponents(double east, double north, AlignmentPoint const& point, d
 
 }  // namespace
 
+int HorizontalAlignment::FootOnElement(int index, double east, double north, int result, AlignmentPoint* foot) const
+{
+    std::size_t const i = static_cast<std::size_t>(index);
+    detail::PreparedElement const& c = m_index->prepared[i];
+    if (result != TPointMathResult::OnElement || (foot->station >= c.startStation && foot->station <= c.endStation)) {
+        return result;
+    }
+    if (foot->station >= c.startStation - FootStationSlack && foot->station <= c.endStation + FootStationSlack) {
+        foot->station = std::min(std::max(foot->station, c.startStation), c.endStation);
+        return result;
+    }
+    // Off the element: before its start or beyond its end, whichever end the point is nearer.
+    AlignmentPoint const& start = m_starts[i];
+    AlignmentPoint const& end = m_ends[i];
+    bool const nearerStart =
+        std::hypot(east - start.east, north - start.north) <= std::hypot(east - end.east, north - end.north);
+    return nearerStart ? TPointMathResult::BeforeStart : TPointMathResult::BeyondEnd;
+}
+
 int HorizontalAlignment::ElementFoot(int index, double east, double north, ProjectionAccuracy accuracy,
                                      AlignmentPoint* foot) const
 {
@@ -382,18 +401,8 @@ int HorizontalAlignment::ElementFoot(int index, double east, double north, Proje
     detail::PreparedElement const& c = m_index->prepared[i];
     int result = detail::PreparedLot(e, c, east, north, foot);
     foot->element = index;
-    if (result == TPointMathResult::OnElement &&
-        !(foot->station >= c.startStation && foot->station <= c.endStation)) {
-        if (foot->station >= c.startStation - FootStationSlack && foot->station <= c.endStation + FootStationSlack) {
-            foot->station = std::min(std::max(foot->station, c.startStation), c.endStation);
-        } else {
-            // Off the element: before its start or beyond its end, whichever end the point is nearer.
-            AlignmentPoint const& start = m_starts[i];
-            AlignmentPoint const& end = m_ends[i];
-            bool const nearerStart = std::hypot(east - start.east, north - start.north) <=
-                                     std::hypot(east - end.east, north - end.north);
-            return nearerStart ? TPointMathResult::BeforeStart : TPointMathResult::BeyondEnd;
-        }
+    if (accuracy == ProjectionAccuracy::Exact) {
+        result = FootOnElement(index, east, north, result, foot);
     }
     if (result != TPointMathResult::OnElement || accuracy != ProjectionAccuracy::Exact ||
         c.type == ElementType::Line || c.type == ElementType::Arc) {
@@ -488,6 +497,9 @@ Projection HorizontalAlignment::Project(double east, double north, ProjectionAcc
         Foot& f = cache[slot];
         f.index = i;
         f.result = ElementFoot(i, east, north, accuracy, &f.point);
+        if (accuracy != ProjectionAccuracy::Exact) {
+            f.result = FootOnElement(i, east, north, f.result, &f.point);  // done by the exact foot already
+        }
         return f;
     };
 

@@ -158,11 +158,20 @@ public:
     int LiteralElementFoot(int index, double east, double north, AlignmentPoint* foot) const;
 
     // The foot on one element through its prepared constants, made exact when
-    // asked; the result code as LiteralElementFoot.
+    // asked; the result code as LiteralElementFoot. With Element accuracy it is
+    // bit for bit the element operation's; with Exact accuracy a foot that the
+    // element operation places past the element's ends (an arc's foot one full
+    // turn round) is reported before the start or beyond the end instead.
     int ElementFoot(int index, double east, double north, ProjectionAccuracy accuracy,
                     AlignmentPoint* foot) const;
 
 private:
+    // The element's foot as the alignment takes it: an OnElement foot at a
+    // station past an end of the element by less than FootStationSlack is held
+    // at that end, one farther out is no foot on the element (BeforeStart or
+    // BeyondEnd by the nearer end); other results pass unchanged.
+    int FootOnElement(int index, double east, double north, int result, AlignmentPoint* foot) const;
+
     // The prepared constants of every element and the spatial index over their
     // bounds (internal; shared by copies, never changed after construction).
     struct Index;
