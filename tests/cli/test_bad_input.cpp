@@ -26,11 +26,13 @@
 
 #include <gtest/gtest.h>
 
+#include "zel_cli.h"
+
 namespace fs = std::filesystem;
 
 namespace {
 
-std::string const ZelProgram = ZEL_PROGRAM;
+using zeltest::cli::ZelProgram;
 
 // Where the program's standard output goes.
 enum class Stdout {
@@ -50,40 +52,19 @@ struct Outcome {
 
 std::string ReadFile(fs::path const& path)
 {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
+    return zeltest::cli::Read(path.string());
 }
 
 void WriteFile(fs::path const& path, std::string const& text)
 {
-    std::ofstream(path, std::ios::binary) << text;
+    zeltest::cli::Write(path.string(), text);
 }
 
-std::vector<std::string> Lines(std::string const& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    std::string line;
-    while (std::getline(in, line)) {
-        lines.push_back(line);
-    }
-    return lines;
-}
+using zeltest::cli::Lines;
 
-// North 100 m from (E 1000, N 2000), then a right quarter circle of radius 100
-// (centre E 1100, N 2100) into East; a constant grade of 2 % from height 50.
-std::string const AlignmentXml =
-    "<?xml version=\"1.0\"?>\n"
-    "<LandXML xmlns=\"http://www.landxml.org/schema/LandXML-1.2\" version=\"1.2\">\n"
-    "<Alignments><Alignment name=\"T\" staStart=\"0\"><CoordGeom>\n"
-    "<Line staStart=\"0\" length=\"100\"><Start>2000 1000</Start><End>2100 1000</End></Line>\n"
-    "<Curve rot=\"cw\" radius=\"100\" length=\"157.07963267948966\" staStart=\"100\"><Start>2100 1000</Start>"
-    "<Center>2100 1100</Center><End>2200 1100</End></Curve>\n"
-    "</CoordGeom>\n"
-    "<Profile><ProfAlign name=\"P\"><PVI>0 50</PVI><PVI>257.07963267948966 55.141592653589793</PVI></ProfAlign></Profile>\n"
-    "</Alignment></Alignments></LandXML>\n";
+// The shared track, its profile ending with the plan (257.0796, 2 % from 50),
+// so that no warning mixes into the messages under test.
+std::string const AlignmentXml = zeltest::cli::TrackXml("257.07963267948966", "55.141592653589793");
 
 // Each test in a folder of its own (ctest runs them in parallel); every input
 // it writes is remembered and compared byte for byte when the test ends.

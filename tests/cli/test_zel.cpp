@@ -12,69 +12,19 @@
 
 #include <gtest/gtest.h>
 
+#include "zel_cli.h"
+
 namespace {
 
-std::string const ZelProgram = ZEL_PROGRAM;
-std::string const Sample = std::string(ZEL_SOURCE_DIR) + "/data/sample/";
+using zeltest::cli::Lines;
+using zeltest::cli::Read;
+using zeltest::cli::Result;
+using zeltest::cli::Sample;
+using zeltest::cli::Temp;
+using zeltest::cli::Write;
+using zeltest::cli::Zel;
 
-struct Result {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-std::string Read(std::string const& path)
-{
-    std::ifstream in(path);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-// Each test runs in a process of its own, and ctest runs them in parallel: the
-// process id keeps their scratch files apart.
-std::string Temp(std::string const& name)
-{
-    return ::testing::TempDir() + "zel_cli_" + std::to_string(::getpid()) + "_" + name;
-}
-
-void Write(std::string const& path, std::string const& text)
-{
-    std::ofstream(path) << text;
-}
-
-Result Zel(std::string const& args)
-{
-    std::string const out = Temp("stdout.txt");
-    std::string const err = Temp("stderr.txt");
-    int const raw = std::system((ZelProgram + " " + args + " >" + out + " 2>" + err).c_str());
-    int const status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    return Result{status, Read(out), Read(err)};
-}
-
-std::vector<std::string> Lines(std::string const& text)
-{
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    std::string line;
-    while (std::getline(in, line)) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-// North 100 m from (E 1000, N 2000), then a right quarter circle of radius 100
-// (centre E 1100, N 2100) into East; a constant grade of 2 % from height 50.
-std::string const Alignment =
-    "<?xml version=\"1.0\"?>\n"
-    "<LandXML xmlns=\"http://www.landxml.org/schema/LandXML-1.2\" version=\"1.2\">\n"
-    "<Alignments><Alignment name=\"T\" staStart=\"0\"><CoordGeom>\n"
-    "<Line staStart=\"0\" length=\"100\"><Start>2000 1000</Start><End>2100 1000</End></Line>\n"
-    "<Curve rot=\"cw\" radius=\"100\" length=\"157.07963267948966\" staStart=\"100\"><Start>2100 1000</Start>"
-    "<Center>2100 1100</Center><End>2200 1100</End></Curve>\n"
-    "</CoordGeom>\n"
-    "<Profile><ProfAlign name=\"P\"><PVI>0 50</PVI><PVI>300 56</PVI></ProfAlign></Profile>\n"
-    "</Alignment></Alignments></LandXML>\n";
+std::string const Alignment = zeltest::cli::TrackXml();
 
 std::string const Header =
     "id,element,type,station,offset_right,azimuth_gon,radius,design_height,height_difference,tunnel_metre,status";
