@@ -379,3 +379,17 @@ TEST(ZelCliStations, InfoListsEveryAlignment)
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_NE(r.out.find("alignment: T2"), std::string::npos) << r.out;
 }
+
+TEST(ZelCliConventions, AStoppedGeoJsonTableOnStandardOutputIsStillACollection)
+{
+    std::string const path = Temp("stop_geo.xml");
+    Write(path, Alignment);
+    std::string const points = Temp("stop_geo.csv");
+    Write(points, "id,east,north\na,1010,2050\nb,1010,20x0\n");
+    Result const r = Zel("station " + path + " " + points + " --format geojson");
+    EXPECT_EQ(r.status, 1);
+    // The good row before the rejected one, in a collection that is closed.
+    EXPECT_EQ(r.out.rfind("{\"type\":\"FeatureCollection\",\"features\":[\n", 0), 0u) << r.out;
+    EXPECT_NE(r.out.find("\"id\":\"a\""), std::string::npos) << r.out;
+    EXPECT_EQ(r.out.substr(r.out.size() - 4), "\n]}\n") << r.out;
+}

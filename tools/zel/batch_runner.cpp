@@ -278,6 +278,9 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
     std::string const rejectedTo = rejects && c.rejected > 0 ? " (kept in " + rejects->Name() + ")" : "";
     bool const toFile = out.Name() != "standard output";
     if (stopped) {
+        if (!toFile && table) {
+            table->Finish();  // what reached standard output stays well-formed (a closed GeoJSON collection)
+        }
         out.Abandon();
     } else {
         begin();

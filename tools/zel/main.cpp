@@ -154,6 +154,12 @@ int main(int argc, char** argv)
         for (zel::Command const& run : commands) {
             int const code = run();
             if (code >= 0) {
+                // The last check of standard output: its close (a file on a
+                // network disk reports a failed write only here).
+                if (code == zel::ExitSuccess && ::close(STDOUT_FILENO) != 0 && errno != EPIPE) {
+                    std::cerr << "zel: error: standard output: cannot close: " << std::strerror(errno) << "\n";
+                    return zel::ExitIoFailure;
+                }
                 return code;
             }
         }
