@@ -287,3 +287,56 @@ TEST(Alignment, PointAbeamOfTheStartGetsTheStartStation)
         EXPECT_NEAR(p.heightDifference, 0.5, 1e-12) << offset;
     }
 }
+
+namespace {
+
+// Two tracks 4.5 m apart, both running North over 100 m from station 0:
+// track A along E 0, track B along E 4.5 (the track centres of a double line).
+zelalign::AlignmentSet DoubleTrack()
+{
+    auto track = [](std::string const& name, double east) {
+        std::vector<HorizontalElement> e;
+        e.push_back(HorizontalElement::Line(0.0, 100.0, CACoordinate(east, 0.0), CACoordinate(east, 100.0)));
+        return Alignment(name, HorizontalAlignment(e));
+    };
+    return zelalign::AlignmentSet({track("A", 0.0), track("B", 4.5)});
+}
+
+}  // namespace
+
+TEST(AlignmentSet, EachPointGoesToTheNearestTrack)
+{
+    zelalign::AlignmentSet const set = DoubleTrack();
+    zelalign::NearestStationedPoint p = set.Station(1.0, 30.0);  // 1 m right of A, 3.5 m left of B
+    EXPECT_EQ(p.alignment, 0);
+    EXPECT_NEAR(p.point.station, 30.0, 1e-12);
+    EXPECT_NEAR(p.point.offset, 1.0, 1e-12);
+    p = set.Station(3.0, 60.0);  // 3 m right of A, 1.5 m left of B
+    EXPECT_EQ(p.alignment, 1);
+    EXPECT_NEAR(p.point.offset, -1.5, 1e-12);
+    p = set.Station(2.25, 10.0);  // halfway: the first track of the set
+    EXPECT_EQ(p.alignment, 0);
+    // Beyond the end: the distance to the end point counts, 3 m along and 1 m across.
+    EXPECT_NEAR(zelalign::DistanceToAlignment(set.Alignments()[0].Station(1.0, 103.0)), std::sqrt(10.0), 1e-12);
+}
+
+TEST(AlignmentSet, PointsFartherThanTheLargestOffsetBelongToNoTrack)
+{
+    zelalign::AlignmentSet const set = DoubleTrack();
+    EXPECT_EQ(set.Station(10.0, 50.0, NaN, 6.0).alignment, 1);  // 5.5 m from B
+    zelalign::NearestStationedPoint const far = set.Station(10.0, 50.0, NaN, 5.0);
+    EXPECT_EQ(far.alignment, -1);
+    EXPECT_EQ(far.point.status, ProjectionStatus::NoSolution);
+    EXPECT_TRUE(std::isnan(far.point.station));
+    zelalign::NearestStationedPoint const bad = set.Station(NaN, 50.0);
+    EXPECT_EQ(bad.alignment, -1);
+    EXPECT_EQ(bad.point.status, ProjectionStatus::Invalid);
+    EXPECT_THROW(zelalign::AlignmentSet(std::vector<Alignment>{}), zelalign::DataError);
+
+    std::vector<double> east{1.0, 3.0, 10.0}, north{30.0, 60.0, 50.0};
+    std::vector<zelalign::NearestStationedPoint> out(3);
+    set.Station(3, east.data(), north.data(), nullptr, out.data(), 2, 5.0);
+    EXPECT_EQ(out[0].alignment, 0);
+    EXPECT_EQ(out[1].alignment, 1);
+    EXPECT_EQ(out[2].alignment, -1);
+}

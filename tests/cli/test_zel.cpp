@@ -393,3 +393,31 @@ TEST(ZelCliConventions, AStoppedGeoJsonTableOnStandardOutputIsStillACollection)
     EXPECT_NE(r.out.find("\"id\":\"a\""), std::string::npos) << r.out;
     EXPECT_EQ(r.out.substr(r.out.size() - 4), "\n]}\n") << r.out;
 }
+
+TEST(ZelCliYard, AllAlignmentsStationsEachPointOnItsNearestTrack)
+{
+    // Two tracks 4.5 m apart running North from (E 1000, N 2000), 100 m long.
+    std::string const path = Temp("yard.xml");
+    Write(path,
+          "<LandXML><Alignments>\n"
+          "<Alignment name=\"Track 1\" staStart=\"0\"><CoordGeom>\n"
+          "<Line><Start>2000 1000</Start><End>2100 1000</End></Line>\n"
+          "</CoordGeom></Alignment>\n"
+          "<Alignment name=\"Track 2\" staStart=\"0\"><CoordGeom>\n"
+          "<Line><Start>2000 1004.5</Start><End>2100 1004.5</End></Line>\n"
+          "</CoordGeom></Alignment>\n"
+          "</Alignments></LandXML>\n");
+    std::string const points = Temp("yard.csv");
+    Write(points, "id,east,north\na,1001,2030\nb,1003,2060\nc,1020,2050\n");
+    Result r = Zel("station " + path + " " + points + " --all-alignments --max-offset 6");
+    ASSERT_EQ(r.status, 0) << r.err;
+    std::vector<std::string> lines = Lines(r.out);
+    ASSERT_EQ(lines.size(), 4u) << r.out;
+    EXPECT_EQ(lines[0].substr(0, 31), "id,alignment,element,type,stati");
+    EXPECT_EQ(lines[1].substr(0, 42), "a,Track 1,0,line,30.0000,1.0000,0.000000,0");   // 1 m right of track 1
+    EXPECT_EQ(lines[2].substr(0, 43), "b,Track 2,0,line,60.0000,-1.5000,0.000000,0");  // 1.5 m left of track 2
+    EXPECT_EQ(lines[3].substr(0, 4), "c,,,");                                         // 15.5 m from track 2
+    EXPECT_EQ(lines[3].substr(lines[3].size() - 12), ",no_solution");
+    EXPECT_EQ(Zel("station " + path + " " + points + " --max-offset 6").status, 2);  // needs --all-alignments
+    EXPECT_EQ(Zel("station " + path + " " + points + " --all-alignments --name T").status, 2);
+}

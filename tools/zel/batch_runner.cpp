@@ -133,7 +133,7 @@ std::string Skipped(zelalign::PointsCsvCounts const& c)
 
 }  // namespace
 
-int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& run, OutputOptions const& options,
+int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const& run, OutputOptions const& options,
                       std::vector<std::string> const& inputs)
 {
     std::ifstream file;
@@ -157,8 +157,19 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
         options.offsetSide == zelalign::OffsetSide::Right ? "offset_right" : "offset_left";
     // The table is begun with the first point, so that a file without points
     // leaves no header behind.
-    std::vector<std::string> columns{"id", "element", "type"};
-    for (std::string const& c : StationColumnNames(alignment)) {
+    std::vector<std::string> columns{"id"};
+    if (run.nearestOfAll) {
+        columns.emplace_back("alignment");
+    }
+    columns.emplace_back("element");
+    columns.emplace_back("type");
+    bool withEquations = false;
+    bool withCant = false;
+    for (zelalign::Alignment const& a : alignments.Alignments()) {
+        withEquations = withEquations || !a.Equations().Empty();
+        withCant = withCant || !a.Cant().Empty();
+    }
+    for (std::string const& c : StationColumnNames(withEquations)) {
         columns.push_back(c);
     }
     for (char const* c : {"offset", "azimuth", "radius", "design_height", "height_difference", "tunnel_metre", "status"}) {
@@ -166,7 +177,6 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
     }
     columns[columns.size() - 7] = offsetColumn;
     columns[columns.size() - 6] = angleColumn;
-    bool const withCant = !alignment.Cant().Empty();
     if (withCant) {
         columns.insert(columns.end() - 1, "applied_cant");  // metres, before the status
     }
@@ -181,7 +191,7 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
 
     std::vector<zelalign::MeasuredPoint> points(BatchRows);
     std::vector<double> east(BatchRows), north(BatchRows), height(BatchRows);
-    std::vector<zelalign::StationedPoint> result(BatchRows);
+    std::vector<zelalign::NearestStationedPoint> result(BatchRows);
     std::size_t n = 0;
     long long written = 0;
     bool stopped = false;
@@ -192,16 +202,22 @@ int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& ru
             return;
         }
         begin();
-        alignment.Station(n, east.data(), north.data(), height.data(), result.data(), run.threads);
+        alignments.Station(n, east.data(), north.data(), height.data(), result.data(), run.threads, run.maxOffset);
         for (std::size_t i = 0; i < n; ++i) {
-            zelalign::StationedPoint const& r = result[i];
+            zelalign::StationedPoint const& r = result[i].point;
+            // A point with no alignment near enough is written against the first.
+            zelalign::Alignment const& alignment =
+                alignments.Alignments()[static_cast<std::size_t>(std::max(result[i].alignment, 0))];
             table->Text(points[i].id);
+            if (run.nearestOfAll) {
+                table->Text(result[i].alignment >= 0 ? alignment.Name() : std::string());
+            }
             if (r.element >= 0) {
                 table->Integer(r.element).Text(zelalign::ElementTypeName(r.type));
             } else {
                 table->Text("").Text("");
             }
-            WriteStationCells(*table, alignment, options, r.station, r.displayedStation, r.region);
+            WriteStationCells(*table, alignment, withEquations, options, r.station, r.displayedStation, r.region);
             table->Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
                 .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
                 .Number(r.radius, LengthDecimals)

@@ -5,7 +5,9 @@
 
 #include <string>
 
-#include <zelalign/alignment.h>
+#include <limits>
+
+#include <zelalign/alignment_set.h>
 
 #include "common.h"
 
@@ -22,13 +24,19 @@ struct StationRun {
     // File that receives every rejected row, after a comment line with its
     // file, line and reason; empty: the rejected rows go to standard error.
     std::string rejectPath;
+    // Each point against the nearest alignment of the set, named in an
+    // "alignment" column; points farther than maxOffset (metres) from every
+    // alignment get status no_solution.
+    bool nearestOfAll = false;
+    double maxOffset = std::numeric_limits<double>::infinity();
 };
 
 // Stations every point of the run and writes the table, then prints the
 // summary "points read = written + rejected" on standard error. Returns the
 // exit code; throws Failure for input and output failures and for a points
 // file that holds no rows of points.
-int RunStationBatches(zelalign::Alignment const& alignment, StationRun const& run, OutputOptions const& output,
+// With run.nearestOfAll false the set holds the one alignment of the run.
+int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const& run, OutputOptions const& output,
                       std::vector<std::string> const& inputs);
 
 }  // namespace zel

@@ -128,7 +128,7 @@ Command AddPointCommand(CLI::App& app)
         }
         Output out(o->output.path, {o->alignment.path});
         std::string const angleColumn = std::string("azimuth_") + AngleUnitName(o->output.angleUnit);
-        std::vector<std::string> columns = StationColumnNames(a);
+        std::vector<std::string> columns = StationColumnNames(!a.Equations().Empty());
         for (char const* c : {"element", "type", "east", "north", "azimuth", "radius", "design_height",
                               "gradient_percent", "tunnel_metre"}) {
             columns.emplace_back(c);
@@ -140,7 +140,7 @@ Command AddPointCommand(CLI::App& app)
         }
         TableWriter table(out, o->output.format, columns);
         for (zelalign::SetOutPoint const& p : points) {
-            WriteStationCells(table, a, o->output, p.station, p.displayedStation, p.region);
+            WriteStationCells(table, a, !a.Equations().Empty(), o->output, p.station, p.displayedStation, p.region);
             table.Integer(p.element)
                 .Text(zelalign::ElementTypeName(p.type))
                 .Number(p.east, LengthDecimals)

@@ -38,6 +38,13 @@ Command AddStationCommand(CLI::App& app)
                        "its file, line and value; skip reports it, counts it and carries on");
     c->add_flag_callback(
         "--skip-bad", [o] { o->run.badRows = BadRows::Skip; }, "the same as --bad-rows skip");
+    c->add_flag("--all-alignments", o->run.nearestOfAll,
+                "station each point against the nearest alignment of the file (the tracks of a yard) and name it "
+                "in an alignment column");
+    c->add_option("--max-offset", o->run.maxOffset,
+                  "with --all-alignments: points farther than this (metres) from every alignment get status "
+                  "no_solution")
+        ->check(FiniteNumber());
     c->add_option("--reject-file", o->run.rejectPath,
                   "write every rejected row, as read and after a comment line with its file, line and reason, to "
                   "this file (a points file again once the rows are mended)");
@@ -55,8 +62,20 @@ Command AddStationCommand(CLI::App& app)
             throw Failure(ExitUsage, "--reject-file " + Quoted(o->run.rejectPath) +
                                          " is also the output; give the rejected rows a file of their own");
         }
-        zelalign::Alignment const a = LoadAlignment(o->alignment);
-        return RunStationBatches(a, o->run, o->output, {o->alignment.path, o->run.pointsPath});
+        if (o->run.nearestOfAll && !o->alignment.name.empty()) {
+            throw Failure(ExitUsage, "--all-alignments and --name exclude each other");
+        }
+        if (!o->run.nearestOfAll && c->count("--max-offset") > 0) {
+            throw Failure(ExitUsage, "--max-offset goes with --all-alignments");
+        }
+        if (!(o->run.maxOffset >= 0.0)) {
+            throw Failure(ExitUsage, "--max-offset must not be negative, got " + Exact(o->run.maxOffset));
+        }
+        std::vector<std::string> const inputs{o->alignment.path, o->run.pointsPath};
+        if (o->run.nearestOfAll) {
+            return RunStationBatches(zelalign::AlignmentSet(LoadAlignments(o->alignment)), o->run, o->output, inputs);
+        }
+        return RunStationBatches(zelalign::AlignmentSet({LoadAlignment(o->alignment)}), o->run, o->output, inputs);
     };
 }
 

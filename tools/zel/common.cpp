@@ -95,16 +95,16 @@ void AddStationFormatOption(CLI::App* app, OutputOptions& options)
         ->transform(CLI::CheckedTransformer(forms, CLI::ignore_case));
 }
 
-std::vector<std::string> StationColumnNames(zelalign::Alignment const& a)
+std::vector<std::string> StationColumnNames(bool withEquations)
 {
-    if (a.Equations().Empty()) {
+    if (!withEquations) {
         return {"station"};
     }
     return {"station", "displayed_station", "region"};
 }
 
-void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, OutputOptions const& options,
-                       double station, double displayed, int region)
+void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, bool withEquations,
+                       OutputOptions const& options, double station, double displayed, int region)
 {
     // Stations as the other lengths: a tenth of a millimetre.
     constexpr int StationDecimals = 4;
@@ -113,7 +113,16 @@ void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, OutputO
     } else {
         table.Number(station, StationDecimals);
     }
+    if (!withEquations) {
+        return;
+    }
     if (a.Equations().Empty()) {
+        if (options.kilometre) {
+            table.Text(zelalign::FormatKilometre(station, StationDecimals));
+        } else {
+            table.Number(station, StationDecimals);
+        }
+        table.Text("");
         return;
     }
     if (options.kilometre) {
@@ -129,12 +138,41 @@ void Warn(std::string const& message)
     std::cerr << "zel: warning: " << message << "\n";
 }
 
-zelalign::Alignment LoadAlignment(AlignmentOptions const& options)
+namespace {
+
+zelalign::TunnelMetreReference ReferenceOf(AlignmentOptions const& options)
 {
     zelalign::TunnelMetreReference reference;
     reference.station = options.referenceStation;
     reference.tunnelMetre = options.referenceTunnelMetre;
     reference.sameDirection = !options.against;
+    return reference;
+}
+
+}  // namespace
+
+std::vector<zelalign::Alignment> LoadAlignments(AlignmentOptions const& options)
+{
+    try {
+        std::string const source = options.path == "-" ? std::string("standard input") : options.path;
+        std::vector<zelalign::Alignment> all =
+            zelalign::ParseLandXmlAlignments(zelalign::ReadTextFile(options.path), source, ReferenceOf(options));
+        for (zelalign::Alignment const& a : all) {
+            for (std::string const& w : a.Warnings()) {
+                Warn(w);
+            }
+        }
+        return all;
+    } catch (zelalign::IoError const& e) {
+        throw Failure(ExitIoFailure, e.what());
+    } catch (zelalign::Error const& e) {
+        throw Failure(ExitBadData, e.what());
+    }
+}
+
+zelalign::Alignment LoadAlignment(AlignmentOptions const& options)
+{
+    zelalign::TunnelMetreReference const reference = ReferenceOf(options);
     try {
         zelalign::Alignment a = zelalign::ReadLandXml(options.path, options.name, reference);
         for (std::string const& w : a.Warnings()) {

@@ -47,13 +47,18 @@ void AddStationFormatOption(CLI::App* app, OutputOptions& options);
 // Station columns: "station" and, for an alignment with station equations,
 // "displayed_station" and "region" (the kilometre or region the equation
 // names). Written as metres with four decimals, or as km+mmm.mmmm.
-std::vector<std::string> StationColumnNames(zelalign::Alignment const& a);
-void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, OutputOptions const& options,
-                       double station, double displayed, int region);
+std::vector<std::string> StationColumnNames(bool withEquations);
+// The station cells of a row: the station, and with equations the displayed
+// station and its region (an alignment without equations displays its
+// internal station, in no region).
+void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, bool withEquations,
+                       OutputOptions const& options, double station, double displayed, int region);
 
 // Reads the alignment and prints its reader's warnings to standard error.
 // Throws Failure with the exit code that fits the problem.
 zelalign::Alignment LoadAlignment(AlignmentOptions const& options);
+// Every alignment of the file, in file order (the options' name is not used).
+std::vector<zelalign::Alignment> LoadAlignments(AlignmentOptions const& options);
 
 // Accepts a finite decimal number only (no hexadecimal, inf or nan); the
 // message quotes the value as given.

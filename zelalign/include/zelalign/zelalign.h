@@ -3,6 +3,7 @@
 #pragma once
 
 #include <zelalign/alignment.h>
+#include <zelalign/alignment_set.h>
 #include <zelalign/batch.h>
 #include <zelalign/cant.h>
 #include <zelalign/diagrams.h>

@@ -733,6 +733,26 @@ std::vector<std::string> LandXmlAlignmentNames(std::string const& text, std::str
     return reader.Names();
 }
 
+std::vector<Alignment> ParseLandXmlAlignments(std::string const& text, std::string const& sourceName,
+                                              TunnelMetreReference const& reference)
+{
+    std::vector<std::string> const names = LandXmlAlignmentNames(text, sourceName);
+    if (names.empty()) {
+        throw LandXmlError(sourceName + ": no <Alignment> in the file");
+    }
+    std::vector<Alignment> alignments;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        for (std::size_t k = 0; k < i; ++k) {
+            if (names[k] == names[i]) {
+                throw LandXmlError(sourceName + ": the alignment name '" + names[i] +
+                                   "' occurs more than once; each alignment needs a name of its own");
+            }
+        }
+        alignments.push_back(ParseLandXml(text, sourceName, names[i], reference));
+    }
+    return alignments;
+}
+
 std::string ReadTextFile(std::string const& path)
 {
     std::FILE* f = path == "-" ? stdin : std::fopen(path.c_str(), "rb");

@@ -64,6 +64,13 @@ ZELALIGN_EXPORT Alignment ParseLandXml(std::string const& text, std::string cons
 ZELALIGN_EXPORT std::vector<std::string> LandXmlAlignmentNames(std::string const& text,
                                                                std::string const& sourceName);
 
+// Every alignment of LandXML text, in file order, each read as ParseLandXml
+// reads the one of that name. Throws LandXmlError naming the first alignment
+// that cannot be read, and for text without any alignment.
+ZELALIGN_EXPORT std::vector<Alignment> ParseLandXmlAlignments(std::string const& text, std::string const& sourceName,
+                                                              TunnelMetreReference const& reference =
+                                                                  TunnelMetreReference());
+
 // The whole of a file, or of standard input for "-". Throws IoError with the
 // system's reason.
 ZELALIGN_EXPORT std::string ReadTextFile(std::string const& path);
