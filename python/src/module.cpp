@@ -182,7 +182,8 @@ py::tuple StationArrays(PyAlignment const& self, py::handle eastObj, py::handle 
     unsigned const threads = Threads(threadCount);
     auto const n = static_cast<py::ssize_t>(east.shape(0));
     OutArray station(n), offset(n), azimuth(n), radius(n), designHeight(n), heightDifference(n), tunnelMetre(n);
-    IntArray element(n), type(n), status(n);
+    OutArray displayedStation(n), appliedCant(n);
+    IntArray element(n), type(n), status(n), region(n);
     zelalign::StationColumns cols;
     cols.station = station.mutable_data();
     cols.offset = offset.mutable_data();
@@ -194,6 +195,9 @@ py::tuple StationArrays(PyAlignment const& self, py::handle eastObj, py::handle 
     cols.heightDifference = heightDifference.mutable_data();
     cols.tunnelMetre = tunnelMetre.mutable_data();
     cols.status = status.mutable_data();
+    cols.displayedStation = displayedStation.mutable_data();
+    cols.region = region.mutable_data();
+    cols.appliedCant = appliedCant.mutable_data();
     double const* e = east.data();
     double const* no = north.data();
     double const* h = height ? height->data() : nullptr;
@@ -202,7 +206,7 @@ py::tuple StationArrays(PyAlignment const& self, py::handle eastObj, py::handle 
         self.alignment.Station(static_cast<std::size_t>(n), e, no, h, cols, threads);
     }
     return py::make_tuple(station, offset, element, type, azimuth, radius, designHeight, heightDifference,
-                          tunnelMetre, status);
+                          tunnelMetre, status, displayedStation, region, appliedCant);
 }
 
 py::tuple SetOutArrays(PyAlignment const& self, InArray const& stations, int threadCount)

@@ -177,6 +177,15 @@ class StationTable(_Table):
         Tunnel metre of the station: length in space along the profile.
     status : int32
         :class:`Status` of the point; see :attr:`status_name`.
+    displayed_station : float64, metres
+        The station as displayed after the alignment's station equations
+        (kilometre posts, jumps); the internal station where there are none.
+    region : int32
+        Index of the station equation in force at the foot (its kilometre or
+        region, as ``zel station`` names it); -1 before the first or without any.
+    applied_cant : float64, metres
+        Applied cant at the station from the alignment's cant table, positive
+        in a curve bending right; NaN without cant or outside the table.
 
     Everything but status is NaN (element -1) for NO_SOLUTION and INVALID.
     """
@@ -192,6 +201,9 @@ class StationTable(_Table):
         "height_difference",
         "tunnel_metre",
         "status",
+        "displayed_station",
+        "region",
+        "applied_cant",
     )
 
     @property

@@ -45,6 +45,9 @@ RESULT_COLUMNS = {
     "height_difference": np.float64,
     "tunnel_metre": np.float64,
     "status": np.int32,
+    "displayed_station": np.float64,
+    "region": np.int32,
+    "applied_cant": np.float64,
 }
 assert tuple(RESULT_COLUMNS) == StationTable._columns
 

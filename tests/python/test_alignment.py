@@ -10,7 +10,7 @@ import numpy as np
 import pytest
 
 import zelmath
-from conftest import SAMPLE_ALIGNMENT, SAMPLE_EXPECTED, SAMPLE_POINTS, read_csv, run_zel
+from conftest import SOURCE_DIR, SAMPLE_ALIGNMENT, SAMPLE_EXPECTED, SAMPLE_POINTS, read_csv, run_zel
 
 # Decimals zel writes: lengths to a tenth of a millimetre, angles in gon to six.
 LENGTH_DECIMALS = 4
@@ -273,3 +273,36 @@ def test_pandas_form(sample, sample_points):
     df = sample.station(east, north, height).to_pandas(index=pd.Index(ids, name="id"))
     assert list(df.columns) == list(zelmath.StationTable._columns)
     assert df.loc["P00001", "station"] == pytest.approx(14510.775, abs=LAYOUT_TOLERANCE)
+
+
+def test_displayed_station_and_cant_equal_zel_station(zel_program, tmp_path):
+    """Displayed stations (kilometre posts) and applied cant, as zel station writes them."""
+    import zelmath
+
+    data = SOURCE_DIR / "tests" / "data" / "landxml"
+    for name, column in (("kilometre_posts.xml", "displayed_station"), ("cant_millimetres.xml", "applied_cant")):
+        path = data / name
+        a = zelmath.read_landxml(str(path))
+        # Points beside the track, spread over its whole length.
+        stations = np.linspace(a.start_station, a.end_station, 41)
+        table = a.point_at(stations)
+        east = table.east + 1.5 * np.cos(table.azimuth)
+        north = table.north - 1.5 * np.sin(table.azimuth)
+        points = tmp_path / f"{name}.csv"
+        points.write_text("id,east,north\n" + "".join(f"p{i},{e!r},{n!r}\n" for i, (e, n) in enumerate(zip(east, north))))
+        rows = read_csv(io.StringIO(run_zel(zel_program, "station", path, points)))
+        r = a.station(east, north)
+        assert len(rows) == len(r) == 41
+        for i, row in enumerate(rows):
+            expected = row[column]
+            got = getattr(r, column)[i]
+            if expected == "":
+                assert np.isnan(got), (name, i)
+            else:
+                assert f"{got:.4f}" == expected, (name, i, got, expected)
+    # Without equations the displayed station is the internal one and no region is in force.
+    plain = zelmath.read_landxml(SAMPLE_ALIGNMENT)
+    r = plain.station(np.array([2600200.0]), np.array([1200340.0]))
+    assert r.displayed_station[0] == r.station[0]
+    assert r.region[0] == -1
+    assert np.isnan(r.applied_cant[0])

@@ -175,6 +175,7 @@ void Alignment::Station(std::size_t count, double const* east, double const* nor
             if (out.status) out.status[i] = static_cast<std::int32_t>(p.status);
             if (out.displayedStation) out.displayedStation[i] = p.displayedStation;
             if (out.region) out.region[i] = p.region;
+            if (out.appliedCant) out.appliedCant[i] = p.appliedCant;
         }
     });
 }

@@ -70,6 +70,7 @@ struct StationColumns {
     std::int32_t* status = nullptr;
     double* displayedStation = nullptr;
     std::int32_t* region = nullptr;
+    double* appliedCant = nullptr;
 };
 
 }  // namespace zelalign
