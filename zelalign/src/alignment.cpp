@@ -103,6 +103,38 @@ Alignment Alignment::WithTunnelMetreReference(TunnelMetreReference const& refere
     return a;
 }
 
+namespace {
+
+// What the profile, the station equations, the cant table and the tunnel-metre
+// map give at an internal station; NaN where one has nothing to give.
+struct ValuesAtStation {
+    DisplayedStation shown;
+    double designHeight = NaN;
+    double gradient = NaN;
+    double appliedCant = NaN;
+    double tunnelMetre = NaN;
+};
+
+ValuesAtStation ValuesAt(double station, VerticalProfile const& profile, StationEquations const& equations,
+                         CantProfile const& cant, TunnelMetreMap const& tunnel)
+{
+    ValuesAtStation v;
+    v.shown = equations.ToDisplayed(station);
+    if (profile.Empty() || !profile.HeightAt(station, &v.designHeight, &v.gradient)) {
+        v.designHeight = NaN;
+        v.gradient = NaN;
+    }
+    if (!cant.AppliedCant(station, &v.appliedCant)) {
+        v.appliedCant = NaN;
+    }
+    if (!tunnel.ToTunnelMetre(station, &v.tunnelMetre)) {
+        v.tunnelMetre = NaN;
+    }
+    return v;
+}
+
+}  // namespace
+
 bool Alignment::Contains(double station) const
 {
     return !m_horizontal.Empty() && std::isfinite(station) && station >= StartStation() && station <= EndStation();
@@ -124,26 +156,19 @@ StationedPoint Alignment::Station(double east, double north, double height, Proj
     r.element = f.element;
     r.type = m_horizontal.Elements()[static_cast<std::size_t>(f.element)].type;
     r.station = f.station;
-    DisplayedStation const shown = m_equations.ToDisplayed(f.station);
-    r.displayedStation = shown.value;
-    r.region = shown.region;
+    ValuesAtStation const v = ValuesAt(f.station, m_profile, m_equations, m_cant, m_tunnel);
+    r.displayedStation = v.shown.value;
+    r.region = v.shown.region;
     r.offset = p.offset;
     r.along = p.along;
     r.footEast = f.east;
     r.footNorth = f.north;
     r.azimuth = f.azimuth;
     r.radius = f.radius;
-    double gradient = 0.0;
-    if (m_profile.Empty() || !m_profile.HeightAt(f.station, &r.designHeight, &gradient)) {
-        r.designHeight = NaN;
-    }
-    r.heightDifference = height - r.designHeight;
-    if (!m_cant.AppliedCant(f.station, &r.appliedCant)) {
-        r.appliedCant = NaN;
-    }
-    if (!m_tunnel.ToTunnelMetre(f.station, &r.tunnelMetre)) {
-        r.tunnelMetre = NaN;
-    }
+    r.designHeight = v.designHeight;
+    r.heightDifference = height - v.designHeight;
+    r.appliedCant = v.appliedCant;
+    r.tunnelMetre = v.tunnelMetre;
     return r;
 }
 
@@ -188,25 +213,19 @@ bool Alignment::SetOut(double station, SetOutPoint* point) const
     }
     SetOutPoint r;
     r.station = station;
-    DisplayedStation const shown = m_equations.ToDisplayed(station);
-    r.displayedStation = shown.value;
-    r.region = shown.region;
+    ValuesAtStation const v = ValuesAt(station, m_profile, m_equations, m_cant, m_tunnel);
+    r.displayedStation = v.shown.value;
+    r.region = v.shown.region;
     r.element = p.element;
     r.type = m_horizontal.Elements()[static_cast<std::size_t>(p.element)].type;
     r.east = p.east;
     r.north = p.north;
     r.azimuth = p.azimuth;
     r.radius = p.radius;
-    if (m_profile.Empty() || !m_profile.HeightAt(station, &r.designHeight, &r.gradient)) {
-        r.designHeight = NaN;
-        r.gradient = NaN;
-    }
-    if (!m_tunnel.ToTunnelMetre(station, &r.tunnelMetre)) {
-        r.tunnelMetre = NaN;
-    }
-    if (!m_cant.AppliedCant(station, &r.appliedCant)) {
-        r.appliedCant = NaN;
-    }
+    r.designHeight = v.designHeight;
+    r.gradient = v.gradient;
+    r.tunnelMetre = v.tunnelMetre;
+    r.appliedCant = v.appliedCant;
     *point = r;
     return true;
 }
