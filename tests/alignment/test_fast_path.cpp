@@ -24,48 +24,7 @@
 
 #include "common/synthetic_alignment.h"
 
-// ------------------------------------------------ counting allocation functions
-
-namespace {
-std::atomic<bool> g_counting{false};
-std::atomic<long> g_allocations{0};
-
-void* Allocate(std::size_t size)
-{
-    if (g_counting.load(std::memory_order_relaxed)) {
-        g_allocations.fetch_add(1, std::memory_order_relaxed);
-    }
-    if (void* p = std::malloc(size == 0 ? 1 : size)) {
-        return p;
-    }
-    throw std::bad_alloc();
-}
-}  // namespace
-
-void* operator new(std::size_t size)
-{
-    return Allocate(size);
-}
-void* operator new[](std::size_t size)
-{
-    return Allocate(size);
-}
-void operator delete(void* p) noexcept
-{
-    std::free(p);
-}
-void operator delete[](void* p) noexcept
-{
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
-void operator delete[](void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
+#include "common/allocation_counter.h"
 
 using zelalign::AlignmentPoint;
 using zelalign::ElementType;
@@ -344,12 +303,10 @@ TEST(FastPath, CrowdedElementsAreSearchedInSeveralRounds)
 
 TEST(FastPath, TheAllocationCounterSeesAllocations)
 {
-    g_allocations = 0;
-    g_counting = true;
-    std::vector<double>* v = new std::vector<double>(100);
-    g_counting = false;
+    std::vector<double>* v = nullptr;
+    long const counted = AllocationsDuring([&v] { v = new std::vector<double>(100); });
     delete v;
-    EXPECT_GE(g_allocations.load(), 2);
+    EXPECT_GE(counted, 2);
 }
 
 TEST(FastPath, ProjectionAndPointsAllocateNothing)
@@ -368,16 +325,15 @@ TEST(FastPath, ProjectionAndPointsAllocateNothing)
         north.push_back(y);
     }
     int on = 0;
-    g_allocations = 0;
-    g_counting = true;
-    for (std::size_t k = 0; k < east.size(); ++k) {
-        Projection const r = a.Project(east[k], north[k]);
-        Projection const l = a.Project(east[k], north[k], ProjectionAccuracy::Element);
-        AlignmentPoint p;
-        a.PointAt(a.StartStation() + 1.5 * static_cast<double>(k), &p);
-        on += (r.status == ProjectionStatus::OnElement) + (l.status == ProjectionStatus::OnElement);
-    }
-    g_counting = false;
-    EXPECT_EQ(g_allocations.load(), 0);
+    long const counted = AllocationsDuring([&] {
+        for (std::size_t k = 0; k < east.size(); ++k) {
+            Projection const r = a.Project(east[k], north[k]);
+            Projection const l = a.Project(east[k], north[k], ProjectionAccuracy::Element);
+            AlignmentPoint p;
+            a.PointAt(a.StartStation() + 1.5 * static_cast<double>(k), &p);
+            on += (r.status == ProjectionStatus::OnElement) + (l.status == ProjectionStatus::OnElement);
+        }
+    });
+    EXPECT_EQ(counted, 0);
     EXPECT_GT(on, 3000);
 }
