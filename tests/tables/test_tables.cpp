@@ -634,3 +634,8 @@ TEST(Tables, Line)
 {
     EXPECT_GT(ExpectTableRows(DataFile("line.txt")), 0);
 }
+
+TEST(Tables, Circle)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("circle.txt")), 0);
+}
