@@ -75,10 +75,12 @@ struct Operation {
     std::function<Values(Values const&)> run;
 };
 
-// What an output held before the call. Records are filled beforehand with
-// zeltest::Prefilled() (station 111, azimuth 1.25, radius -77, point
-// (-5.5, 9.25)); plain points take the same coordinates, every other output
-// (lengths, heights, slopes, elevations, positions) holds -777.
+// What an output held before the call, known by the output's name. Records
+// are filled beforehand with zeltest::Prefilled() (station 111, azimuth 1.25,
+// radius -77, point (-5.5, 9.25)); the east and north of every other point,
+// in the plane or in space, take the same -5.5 and 9.25; every other output
+// (lengths, heights, slopes, elevations, positions, the stations and heights
+// of profile points) holds -777.
 constexpr double UntouchedScalar = -777.0;
 
 double Untouched(std::string const& output)
@@ -109,7 +111,14 @@ CACoordinate UntouchedPoint()
 
 CA3DCoordinate UntouchedPoint3D()
 {
-    return CA3DCoordinate(UntouchedScalar, UntouchedScalar, UntouchedScalar);
+    CACoordinate const p = UntouchedPoint();
+    return CA3DCoordinate(p.East().Double(), p.North().Double(), UntouchedScalar);
+}
+
+// A profile point (station, height) before the call.
+CACoordinate UntouchedProfilePoint()
+{
+    return CACoordinate(UntouchedScalar, UntouchedScalar);
 }
 
 CACoordinate At(Values const& v, std::size_t i)
@@ -332,9 +341,9 @@ void AddProfile(std::map<std::string, Operation>& ops)
     ops["vc_circle"] = {7, {"ok", "start_station", "start_height", "end_station", "end_height", "length",
                             "centre_station", "centre_height"},
                         [](Values const& v) {
-                            CACoordinate a = UntouchedPoint();
-                            CACoordinate b = UntouchedPoint();
-                            CACoordinate c = UntouchedPoint();
+                            CACoordinate a = UntouchedProfilePoint();
+                            CACoordinate b = UntouchedProfilePoint();
+                            CACoordinate c = UntouchedProfilePoint();
                             CALength length(UntouchedScalar);
                             bool const ok = CMathLongProfCurve::calcPIPointsAndLengthOfCircle(
                                 At(v, 0), At(v, 2), At(v, 4), CALength(v[6]), a, b, length, c);
@@ -344,8 +353,8 @@ void AddProfile(std::map<std::string, Operation>& ops)
                         }};
     ops["vc_parabola"] = {7, {"ok", "start_station", "start_height", "end_station", "end_height", "length"},
                           [](Values const& v) {
-                              CACoordinate a = UntouchedPoint();
-                              CACoordinate b = UntouchedPoint();
+                              CACoordinate a = UntouchedProfilePoint();
+                              CACoordinate b = UntouchedProfilePoint();
                               CALength length(UntouchedScalar);
                               bool const ok = CMathLongProfCurve::calcPIPointsAndLengthOfParabol(
                                   At(v, 0), At(v, 2), At(v, 4), CALength(v[6]), a, b, length);
@@ -638,4 +647,9 @@ TEST(Tables, Line)
 TEST(Tables, Circle)
 {
     EXPECT_GT(ExpectTableRows(DataFile("circle.txt")), 0);
+}
+
+TEST(Tables, Plane)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("plane.txt")), 0);
 }
