@@ -382,7 +382,7 @@ void AddProfile(std::map<std::string, Operation>& ops)
     };
     ops["vc_circle_between"] = {9, {"ok", "length"}, between(&CMathLongProfCurve::calcCircleLengthBetween)};
     ops["vc_parabola_between"] = {9, {"ok", "length"}, between(&CMathLongProfCurve::calcParabolLengthBetween)};
-    ops["vc_parabola_radius"] = {7, {"ok", "radius"}, [](Values const& v) {
+    ops["vc_parabola_radius"] = {7, {"ok", "vertex_radius"}, [](Values const& v) {
                                      CALength radius(UntouchedScalar);
                                      bool const ok = CMathLongProfCurve::calcRadiusFromLengthOfParabol(
                                          At(v, 0), At(v, 2), At(v, 4), CALength(v[6]), radius);
@@ -652,4 +652,9 @@ TEST(Tables, Circle)
 TEST(Tables, Plane)
 {
     EXPECT_GT(ExpectTableRows(DataFile("plane.txt")), 0);
+}
+
+TEST(Tables, Profile)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("profile.txt")), 0);
 }
