@@ -18,6 +18,9 @@
 // double too; an expected nan asks for NaN. The unit rad(mod2pi) compares two
 // directions by their smallest difference, whole turns apart counting equal.
 //
+// A line "define name = numbers..." lets the rows below write name for
+// those numbers among their inputs: an element, a set of PIs.
+//
 // Numbers may be written as nan, inf, -inf, as multiples of pi (pi, pi/6,
 // 2pi/3, 7.5pi), as sqrt(x), or by name: element kinds (StraightIntoCurve,
 // ...), result codes (OnElement, BeyondEnd, OneIntersection, Tangent, ...),
@@ -31,6 +34,7 @@
 #include <gtest/gtest.h>
 
 #include <zelmath/circle.h>
+#include <zelmath/clothoid.h>
 #include <zelmath/complex_shape.h>
 #include <zelmath/line.h>
 #include <zelmath/long_prof_curve.h>
@@ -38,6 +42,7 @@
 #include <zelmath/triangle.h>
 
 #include <cmath>
+#include <cstdint>
 #include <fstream>
 #include <functional>
 #include <limits>
@@ -57,6 +62,7 @@ using zelmath::CASlope;
 using zelmath::CAxisComplexSpec;
 using zelmath::CAxisPointSpec;
 using zelmath::CMathCircle;
+using zelmath::CMathClothoid;
 using zelmath::CMathComplexShape;
 using zelmath::CMathLine;
 using zelmath::CMathLongProfCurve;
@@ -310,6 +316,65 @@ void AddCircle(std::map<std::string, Operation>& ops)
                       }};
 }
 
+// A transition element as the rows write it: parameter, kind, then station,
+// east, north, azimuth and radius of its start and of its end.
+constexpr std::size_t ElementInputs = 12;
+
+CAxisComplexSpec ElementAt(Values const& v, std::size_t i)
+{
+    CAxisComplexSpec e;
+    e.Parameter = v[i];
+    e.ComplexType = static_cast<std::int32_t>(v[i + 1]);
+    e.Start.Station = v[i + 2];
+    e.Start.Coordinate = CACoordinate(v[i + 3], v[i + 4]);
+    e.Start.Azimuth = v[i + 5];
+    e.Start.Radius = v[i + 6];
+    e.End.Station = v[i + 7];
+    e.End.Coordinate = CACoordinate(v[i + 8], v[i + 9]);
+    e.End.Azimuth = v[i + 10];
+    e.End.Radius = v[i + 11];
+    return e;
+}
+
+// The clothoid.
+void AddClothoid(std::map<std::string, Operation>& ops)
+{
+    ops["clothoid_local"] = {2, {"x", "y"}, [](Values const& v) {
+                                 CACoordinate const p = CMathClothoid::GetLocalCoordinate(v[0], v[1]);
+                                 return Values{p.X().Double(), p.Y().Double()};
+                             }};
+    ops["clothoid_parameter"] = {2, {"parameter"}, [](Values const& v) {
+                                     return Values{CMathClothoid::Parameter(v[0], v[1])};
+                                 }};
+    ops["clothoid_length"] = {4, {"length"}, [](Values const& v) {
+                                  CAxisComplexSpec e;
+                                  e.Parameter = v[0];
+                                  e.ComplexType = static_cast<std::int32_t>(v[1]);
+                                  e.Start.Radius = v[2];
+                                  e.End.Radius = v[3];
+                                  return Values{CMathClothoid::Length(e).Double()};
+                              }};
+    ops["clothoid_point"] = {ElementInputs + 1, PointOutputs, [](Values const& v) {
+                                 CAxisPointSpec out = zeltest::Prefilled();
+                                 CMathClothoid::Kleinpunkt(ElementAt(v, 0), CALength(v[ElementInputs]), &out);
+                                 return PointValues(out);
+                             }};
+    ops["clothoid_foot"] = {ElementInputs + 2, FootOutputs, [](Values const& v) {
+                                CAxisPointSpec out = zeltest::Prefilled();
+                                int const r = CMathClothoid::Lot(ElementAt(v, 0), At(v, ElementInputs), &out);
+                                return FootValues(r, out);
+                            }};
+    ops["transition_point"] = {7, {"ok", "east", "north", "azimuth", "radius"}, [](Values const& v) {
+                                   CACoordinate point = UntouchedPoint();
+                                   CAAzimuth azimuth(Untouched("azimuth"));
+                                   CALength radius(Untouched("radius"));
+                                   bool const ok = CMathClothoid::Kleinpunkt(At(v, 0), CAAzimuth(v[2]), v[3], v[4],
+                                                                             v[5], v[6], point, azimuth, radius);
+                                   return Values{ok ? 1.0 : 0.0, point.East().Double(), point.North().Double(),
+                                                 azimuth.Double(), radius.Double()};
+                               }};
+}
+
 // Planes in space.
 void AddPlane(std::map<std::string, Operation>& ops)
 {
@@ -398,6 +463,7 @@ std::map<std::string, Operation> const& Operations()
         AddFoundation(all);
         AddLine(all);
         AddCircle(all);
+        AddClothoid(all);
         AddPlane(all);
         AddProfile(all);
         return all;
@@ -555,10 +621,28 @@ int ExpectTableRows(std::string const& path)
     int rows = 0;
     int lineNumber = 0;
     std::string line;
+    std::map<std::string, std::vector<std::string>> defined;
     while (std::getline(file, line)) {
         ++lineNumber;
         std::string const content = Trim(line.substr(0, line.find('#')));
         if (content.empty()) {
+            continue;
+        }
+        // "define name = numbers...": a name that stands for those numbers in
+        // the inputs of the rows below (an element, a set of PIs).
+        if (content.rfind("define ", 0) == 0) {
+            std::istringstream in(content.substr(7));
+            std::string name, equals;
+            in >> name >> equals;
+            std::vector<std::string> words;
+            for (std::string w; in >> w;) {
+                words.push_back(w);
+            }
+            if (name.empty() || equals != "=" || words.empty()) {
+                ADD_FAILURE_AT(path.c_str(), lineNumber) << "a definition reads: define name = numbers";
+                continue;
+            }
+            defined[name] = words;
             continue;
         }
         // The source, the last column, may itself hold a '|'.
@@ -585,9 +669,14 @@ int ExpectTableRows(std::string const& path)
         std::string word;
         bool readable = true;
         while (call >> word) {
-            double v = 0.0;
-            readable = readable && ParseNumber(word, &v);
-            inputs.push_back(v);
+            auto const name = defined.find(word);
+            std::vector<std::string> const words =
+                name == defined.end() ? std::vector<std::string>{word} : name->second;
+            for (std::string const& w : words) {
+                double v = 0.0;
+                readable = readable && ParseNumber(w, &v);
+                inputs.push_back(v);
+            }
         }
         if (!readable || inputs.size() != op.inputs) {
             ADD_FAILURE_AT(path.c_str(), lineNumber)
@@ -657,4 +746,9 @@ TEST(Tables, Plane)
 TEST(Tables, Profile)
 {
     EXPECT_GT(ExpectTableRows(DataFile("profile.txt")), 0);
+}
+
+TEST(Tables, Clothoid)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("clothoid.txt")), 0);
 }
