@@ -36,6 +36,8 @@
 #include <zelmath/circle.h>
 #include <zelmath/clothoid.h>
 #include <zelmath/complex_shape.h>
+#include <zelmath/cubic_parabola.h>
+#include <zelmath/half_sine.h>
 #include <zelmath/line.h>
 #include <zelmath/long_prof_curve.h>
 #include <zelmath/plane.h>
@@ -63,7 +65,9 @@ using zelmath::CAxisComplexSpec;
 using zelmath::CAxisPointSpec;
 using zelmath::CMathCircle;
 using zelmath::CMathClothoid;
+using zelmath::CMathCbcParabol;
 using zelmath::CMathComplexShape;
+using zelmath::CMathHalfSin;
 using zelmath::CMathLine;
 using zelmath::CMathLongProfCurve;
 using zelmath::CMathPlane;
@@ -375,6 +379,34 @@ void AddClothoid(std::map<std::string, Operation>& ops)
                                }};
 }
 
+// The cubic parabola and the half-sine transition.
+void AddCubicParabolaAndHalfSine(std::map<std::string, Operation>& ops)
+{
+    ops["cubic_length"] = {ElementInputs, {"length"}, [](Values const& v) {
+                               return Values{CMathCbcParabol::Length(ElementAt(v, 0)).Double()};
+                           }};
+    ops["cubic_point"] = {ElementInputs + 1, PointOutputs, [](Values const& v) {
+                              CAxisPointSpec out = zeltest::Prefilled();
+                              CMathCbcParabol::Kleinpunkt(ElementAt(v, 0), CALength(v[ElementInputs]), &out);
+                              return PointValues(out);
+                          }};
+    ops["cubic_foot"] = {ElementInputs + 2, FootOutputs, [](Values const& v) {
+                             CAxisPointSpec out = zeltest::Prefilled();
+                             int const r = CMathCbcParabol::Lot(ElementAt(v, 0), At(v, ElementInputs), &out);
+                             return FootValues(r, out);
+                         }};
+    ops["halfsine_point"] = {ElementInputs + 1, PointOutputs, [](Values const& v) {
+                                 CAxisPointSpec out = zeltest::Prefilled();
+                                 CMathHalfSin::Kleinpunkt(ElementAt(v, 0), CALength(v[ElementInputs]), &out);
+                                 return PointValues(out);
+                             }};
+    ops["halfsine_foot"] = {ElementInputs + 2, FootOutputs, [](Values const& v) {
+                                CAxisPointSpec out = zeltest::Prefilled();
+                                int const r = CMathHalfSin::Lot(ElementAt(v, 0), At(v, ElementInputs), &out);
+                                return FootValues(r, out);
+                            }};
+}
+
 // Planes in space.
 void AddPlane(std::map<std::string, Operation>& ops)
 {
@@ -464,6 +496,7 @@ std::map<std::string, Operation> const& Operations()
         AddLine(all);
         AddCircle(all);
         AddClothoid(all);
+        AddCubicParabolaAndHalfSine(all);
         AddPlane(all);
         AddProfile(all);
         return all;
@@ -751,4 +784,9 @@ TEST(Tables, Profile)
 TEST(Tables, Clothoid)
 {
     EXPECT_GT(ExpectTableRows(DataFile("clothoid.txt")), 0);
+}
+
+TEST(Tables, CubicParabola)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("cubic_parabola.txt")), 0);
 }
