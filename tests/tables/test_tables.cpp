@@ -790,3 +790,8 @@ TEST(Tables, CubicParabola)
 {
     EXPECT_GT(ExpectTableRows(DataFile("cubic_parabola.txt")), 0);
 }
+
+TEST(Tables, HalfSine)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("half_sine.txt")), 0);
+}
