@@ -19,7 +19,8 @@
 // directions by their smallest difference, whole turns apart counting equal.
 //
 // A line "define name = numbers..." lets the rows below write name for
-// those numbers among their inputs: an element, a set of PIs.
+// those numbers among their inputs: an element, a set of PIs. A line
+// "map name = elements" does the same for a station map.
 //
 // Numbers may be written as nan, inf, -inf, as multiples of pi (pi, pi/6,
 // 2pi/3, 7.5pi), as sqrt(x), or by name: element kinds (StraightIntoCurve,
@@ -30,6 +31,7 @@
 // Every row is checked on its own; a failing row is reported at its file and
 // line.
 #include "common/plane_geometry.h"
+#include "common/station_maps.h"
 
 #include <gtest/gtest.h>
 
@@ -41,6 +43,7 @@
 #include <zelmath/line.h>
 #include <zelmath/long_prof_curve.h>
 #include <zelmath/plane.h>
+#include <zelmath/station_map.h>
 #include <zelmath/triangle.h>
 
 #include <cmath>
@@ -72,6 +75,8 @@ using zelmath::CMathLine;
 using zelmath::CMathLongProfCurve;
 using zelmath::CMathPlane;
 using zelmath::CMathPTriangle;
+using zelmath::CMathStngMap2D3D;
+using zelmath::CStngMapCurved3DDef;
 using zelmath::CMathTriangle;
 using zelmath::TComplexType;
 using zelmath::TIntersectionResult;
@@ -487,6 +492,37 @@ void AddProfile(std::map<std::string, Operation>& ops)
                                  }};
 }
 
+// The station maps a table defines ("map name = ..."), by number; a table's
+// maps are forgotten when the next table is read.
+std::vector<zeltest::VectorStationMap>& Maps()
+{
+    static std::vector<zeltest::VectorStationMap> maps;
+    return maps;
+}
+
+zeltest::VectorStationMap* MapAt(Values const& v, std::size_t i)
+{
+    return &Maps().at(static_cast<std::size_t>(v[i]));
+}
+
+// The conversions between 2D stations and tunnel metres. The reference's
+// direction is written 1 (tunnel metres grow with the stations) or 0.
+void AddStationMap(std::map<std::string, Operation>& ops)
+{
+    ops["to_tunnel_metre"] = {5, {"ok", "tunnel_metre"}, [](Values const& v) {
+                                  double tm = UntouchedScalar;
+                                  bool const ok = CMathStngMap2D3D::get3DTMFrom2DStng(MapAt(v, 0), v[1], v[2],
+                                                                                      v[3] != 0.0, v[4], tm);
+                                  return Values{ok ? 1.0 : 0.0, tm};
+                              }};
+    ops["to_station"] = {5, {"ok", "station_2d"}, [](Values const& v) {
+                             double station = UntouchedScalar;
+                             bool const ok = CMathStngMap2D3D::get2DStngFrom3DTM(MapAt(v, 0), v[1], v[2],
+                                                                                 v[3] != 0.0, v[4], station);
+                             return Values{ok ? 1.0 : 0.0, station};
+                         }};
+}
+
 // The operations the tables may name.
 std::map<std::string, Operation> const& Operations()
 {
@@ -499,6 +535,7 @@ std::map<std::string, Operation> const& Operations()
         AddCubicParabolaAndHalfSine(all);
         AddPlane(all);
         AddProfile(all);
+        AddStationMap(all);
         return all;
     }();
     return ops;
@@ -583,6 +620,48 @@ std::vector<std::string> Split(std::string const& s, char separator)
     }
 }
 
+// A map as a table writes it: elements separated by ',', each
+//   straight start end length3D
+//   circle start end length3D PI1 PI2 PI3 radius     (PIs as station height)
+//   parabola start end length3D PI1 PI2 PI3 radius
+// Returns false with a message when it cannot be read.
+bool ParseMap(std::string const& text, zeltest::VectorStationMap* map, std::string* error)
+{
+    if (Trim(text).empty()) {
+        return true;
+    }
+    for (std::string const& element : Split(text, ',')) {
+        std::istringstream in(element);
+        std::string kind;
+        in >> kind;
+        std::vector<double> v;
+        for (std::string w; in >> w;) {
+            double x = 0.0;
+            if (!ParseNumber(w, &x)) {
+                *error = "cannot read '" + w + "' in the map element '" + element + "'";
+                return false;
+            }
+            v.push_back(x);
+        }
+        if (kind == "straight" && v.size() == 3) {
+            map->AddStraight(v[0], v[1], v[2]);
+        } else if ((kind == "circle" || kind == "parabola") && v.size() == 10) {
+            CStngMapCurved3DDef curve;
+            curve.PI1 = CACoordinate(v[3], v[4]);
+            curve.PI2 = CACoordinate(v[5], v[6]);
+            curve.PI3 = CACoordinate(v[7], v[8]);
+            curve.Radius = v[9];
+            curve.IsParabola = kind == "parabola";
+            map->AddCurve(v[0], v[1], v[2], curve);
+        } else {
+            *error = "a map element reads: straight start end length3D, or circle/parabola start end "
+                     "length3D PI1 PI2 PI3 radius: '" + element + "'";
+            return false;
+        }
+    }
+    return true;
+}
+
 struct Expectation {
     std::size_t output = 0;
     double value = 0.0;
@@ -655,10 +734,27 @@ int ExpectTableRows(std::string const& path)
     int lineNumber = 0;
     std::string line;
     std::map<std::string, std::vector<std::string>> defined;
+    Maps().clear();
     while (std::getline(file, line)) {
         ++lineNumber;
         std::string const content = Trim(line.substr(0, line.find('#')));
         if (content.empty()) {
+            continue;
+        }
+        // "map name = elements": a station map, its name standing for its
+        // number among the inputs of the rows below.
+        if (content.rfind("map ", 0) == 0) {
+            std::size_t const equals = content.find('=');
+            std::string const name = equals == std::string::npos ? std::string() : Trim(content.substr(4, equals - 4));
+            zeltest::VectorStationMap map;
+            std::string error;
+            if (name.empty() || !ParseMap(content.substr(equals + 1), &map, &error)) {
+                ADD_FAILURE_AT(path.c_str(), lineNumber)
+                    << (error.empty() ? std::string("a map reads: map name = elements") : error);
+                continue;
+            }
+            Maps().push_back(map);
+            defined[name] = {std::to_string(Maps().size() - 1)};
             continue;
         }
         // "define name = numbers...": a name that stands for those numbers in
@@ -794,4 +890,9 @@ TEST(Tables, CubicParabola)
 TEST(Tables, HalfSine)
 {
     EXPECT_GT(ExpectTableRows(DataFile("half_sine.txt")), 0);
+}
+
+TEST(Tables, StationMap)
+{
+    EXPECT_GT(ExpectTableRows(DataFile("station_map.txt")), 0);
 }
