@@ -29,7 +29,9 @@
 // before the call, so that a row can show that an output was not written.
 //
 // Every row is checked on its own; a failing row is reported at its file and
-// line.
+// line. Where the rows of a family were worked out by a program (the exact
+// clothoid, the laid-out cubic parabola and half-sine), that program lies
+// beside this driver and prints them.
 #include "common/plane_geometry.h"
 #include "common/station_maps.h"
 
