@@ -76,14 +76,6 @@ ELEMENTS = [
 ]
 
 
-def spec(track, s0, L):
-    a, b = track.point(0), track.point(L)
-    return " ".join(
-        f(v, 17)
-        for v in (track.A, s0, a[0], a[1], track.azimuth(0), track.radius(0),
-                  s0 + L, b[0], b[1], track.azimuth(L), track.radius(L)))
-
-
 KINDS = ["StraightIntoCurve", "CurveIntoStraight", "CurveIntoTighterCurve", "CurveIntoWiderCurve"]
 
 # Tolerances of the element rows: the four-term series is exact to rounding
