@@ -1,4 +1,6 @@
-// Length, origin and point at a station of clothoid elements given by their ends.
+// Origin and point at a station of clothoid elements given by their ends:
+// the laws every element obeys. The lengths, and points of four elements
+// against the Fresnel integrals, are rows of tests/data/clothoid.txt.
 #include <zelmath/zelmath.h>
 
 #include <gtest/gtest.h>
@@ -51,39 +53,6 @@ CAxisComplexSpec Classified(CAxisComplexSpec spec)
 }
 
 }  // namespace
-
-TEST(ClothoidElement, LengthFromParameterAndRadii)
-{
-    CAxisComplexSpec spec;
-    spec.Parameter = 200.0;
-    spec.Start.Station = 1000.0;
-    spec.End.Station = 1007.0;  // stations are not used
-
-    spec.Start.Radius = 0.0;
-    spec.End.Radius = -400.0;
-    spec.ComplexType = TComplexType::StraightIntoCurve;
-    EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 100.0);
-
-    spec.Start.Radius = -400.0;
-    spec.End.Radius = 0.0;
-    spec.ComplexType = TComplexType::CurveIntoStraight;
-    EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 100.0);
-
-    spec.Start.Radius = 800.0;
-    spec.End.Radius = 400.0;
-    spec.ComplexType = TComplexType::CurveIntoTighterCurve;
-    EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 50.0);
-
-    spec.Start.Radius = -400.0;
-    spec.End.Radius = -800.0;
-    spec.ComplexType = TComplexType::CurveIntoWiderCurve;
-    EXPECT_DOUBLE_EQ(CMathClothoid::Length(spec).Double(), 50.0);
-
-    for (int type : std::initializer_list<std::int32_t>{TComplexType::NotClassified, 4, 99}) {
-        spec.ComplexType = type;
-        EXPECT_EQ(CMathClothoid::Length(spec).Double(), 0.0);
-    }
-}
 
 TEST(ClothoidElement, UnclassifiedElementWritesNothing)
 {

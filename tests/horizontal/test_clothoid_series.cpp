@@ -1,4 +1,6 @@
-// Tangent angle, local coordinates, chord and parameter of the clothoid.
+// Tangent angle, local coordinates and chord of the clothoid: the series
+// helpers behind the element. The points of the clothoid against the Fresnel
+// integrals, and its parameter, are rows of tests/data/clothoid.txt.
 #include <zelmath/zelmath.h>
 
 #include <gtest/gtest.h>
@@ -9,7 +11,6 @@
 #include "common/clothoid_track.h"
 
 using namespace zelmath;
-using zeltest::FresnelExact;
 using zeltest::FresnelSeries4;
 using zellib::CAPi;
 
@@ -121,15 +122,6 @@ TEST(ClothoidSeries, TauIsLengthSquaredOverTwiceParameterSquared)
     EXPECT_NEAR(Access::Tau(50.0, 100.0).Double(), 2.0, 1e-15);
 }
 
-TEST(ClothoidSeries, ParameterDiscardsSignsAndOrder)
-{
-    EXPECT_DOUBLE_EQ(CMathClothoid::Parameter(-400.0, 100.0), 200.0);
-    EXPECT_DOUBLE_EQ(CMathClothoid::Parameter(100.0, -400.0), 200.0);
-    EXPECT_DOUBLE_EQ(CMathClothoid::Parameter(-400.0, -100.0), 200.0);
-    EXPECT_DOUBLE_EQ(CMathClothoid::Parameter(300.0, 75.0), 150.0);
-    EXPECT_EQ(CMathClothoid::Parameter(0.0, 75.0), 0.0);
-}
-
 TEST(ClothoidSeries, UnitSeriesMatchesTheFourTermPolynomial)
 {
     std::mt19937_64 rng(20240401);
@@ -149,33 +141,6 @@ TEST(ClothoidSeries, UnitSeriesMatchesTheFourTermPolynomial)
     }
     EXPECT_EQ(Access::DX(0.0).Double(), 0.0);
     EXPECT_EQ(Access::DY(0.0).Double(), 0.0);
-}
-
-TEST(ClothoidSeries, SeriesStopsAtFourTerms)
-{
-    // At l = 2 the omitted fifth terms are no longer negligible: the result
-    // must be the four-term polynomial, not the Fresnel integral.
-    double const l = 2.0;
-    double const x4 = 2.0 - 32.0 / 40.0 + 512.0 / 3456.0 - 8192.0 / 599040.0;
-    double const y4 = 8.0 / 6.0 - 128.0 / 336.0 + 2048.0 / 42240.0 - 32768.0 / 9676800.0;
-    EXPECT_NEAR(Access::DX(l).Double(), x4, 1e-14);
-    EXPECT_NEAR(Access::DY(l).Double(), y4, 1e-14);
-
-    double xe = 0.0;
-    double ye = 0.0;
-    FresnelExact(l, &xe, &ye);
-    EXPECT_GT(std::fabs(x4 - xe), 1e-5);
-}
-
-TEST(ClothoidSeries, CloseToTheFresnelIntegralsForRailwayScaledLengths)
-{
-    for (double l = 0.05; l <= 1.0; l += 0.05) {
-        double xe = 0.0;
-        double ye = 0.0;
-        FresnelExact(l, &xe, &ye);
-        EXPECT_NEAR(Access::DX(l).Double(), xe, 1e-8) << "l = " << l;
-        EXPECT_NEAR(Access::DY(l).Double(), ye, 1e-8) << "l = " << l;
-    }
 }
 
 TEST(ClothoidSeries, ChordAngleUsesTheSingleArgumentArcTangent)
