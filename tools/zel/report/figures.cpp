@@ -196,6 +196,8 @@ char const* ElementColour(zelalign::ElementType type)
         return "#2ca02c";
     case zelalign::ElementType::HalfSine:
         return "#9467bd";
+    case zelalign::ElementType::ShapedTransition:
+        return "#8c564b";
     }
     return "#000000";
 }
