@@ -27,6 +27,8 @@
 #include <zelalign/readers/landxml.h>
 #include <zelalign/transition_curve.h>
 
+#include "common/allocation_counter.h"
+
 using zelalign::ElementType;
 using zelalign::TransitionCurve;
 using zelalign::TransitionFootStatus;
@@ -378,6 +380,28 @@ TEST(TransitionCurve, InTheAlignment)
         EXPECT_EQ(q.east, p.east);
         EXPECT_EQ(q.north, p.north);
     }
+}
+
+TEST(TransitionCurve, PointsAndFeetAllocateNothing)
+{
+    TransitionCurve const curve(TransitionShape::Biquadratic, 120.0, 900.0, -700.0, 10.0, 20.0, 90.0, 110.0);
+    zelalign::HorizontalAlignment const h({zelalign::HorizontalElement::Shaped(
+        TransitionShape::Sinusoid, 0.0, 100.0, zelmath::CACoordinate(0.0, 0.0), zelmath::CACoordinate(5.0, 99.8), 0.0,
+        500.0)});
+    double sum = 0.0;
+    long const n = AllocationsDuring([&]() {
+        for (int i = 0; i < 200; ++i) {
+            TransitionPoint foot;
+            TransitionPoint const p = curve.Point(0.6 * i);
+            curve.Foot(p.east + 3.0, p.north - 1.0, &foot);
+            zelalign::Projection const pr = h.Project(1.0 + 0.01 * i, 0.5 * i);
+            zelalign::AlignmentPoint q;
+            h.PointAt(0.5 * i, &q);
+            sum += foot.length + pr.offset + q.east;
+        }
+    });
+    EXPECT_EQ(n, 0);
+    EXPECT_TRUE(std::isfinite(sum));
 }
 
 // ------------------------------------------------------------------ LandXML

@@ -732,6 +732,8 @@ PreparedElement PrepareElement(HorizontalElement const& element)
     c.endNorth = spec.End.Coordinate.North().Double();
     CACoordinate const d = spec.End.Coordinate - spec.Start.Coordinate;
     switch (element.type) {
+    case ElementType::ShapedTransition:
+        break;  // its own curve holds its table; both paths call it
     case ElementType::Line: {
         c.chordEast = d.East().Double();
         c.chordNorth = d.North().Double();
@@ -769,7 +771,6 @@ PreparedElement PrepareElement(HorizontalElement const& element)
         break;
     case ElementType::CubicParabola:
     case ElementType::HalfSine:
-    case ElementType::ShapedTransition:
         break;
     }
     return c;
@@ -783,6 +784,9 @@ void PreparedKleinpunkt(HorizontalElement const& element, PreparedElement const&
         return;
     }
     switch (c.type) {
+    case ElementType::ShapedTransition:  // never prepared: taken above
+        ElementKleinpunkt(element, station, out);
+        return;
     case ElementType::Line:
         LinePoint(c, station - c.startStation, out);
         break;
@@ -794,7 +798,6 @@ void PreparedKleinpunkt(HorizontalElement const& element, PreparedElement const&
         break;
     case ElementType::CubicParabola:
     case ElementType::HalfSine:
-    case ElementType::ShapedTransition:
         ElementKleinpunkt(element, station, out);
         return;
     }
@@ -809,6 +812,9 @@ int PreparedLot(HorizontalElement const& element, PreparedElement const& c, doub
     }
     int result = TPointMathResult::NoSolution;
     switch (c.type) {
+    case ElementType::ShapedTransition:  // never prepared: taken above
+        result = ElementLot(element, CACoordinate(east, north), out);
+        break;
     case ElementType::Line:
         result = LineLot(c, east, north, out);
         out->station = out->station + c.startStation;
@@ -822,7 +828,6 @@ int PreparedLot(HorizontalElement const& element, PreparedElement const& c, doub
         break;
     case ElementType::CubicParabola:
     case ElementType::HalfSine:
-    case ElementType::ShapedTransition:
         result = ElementLot(element, CACoordinate(east, north), out);
         break;
     }
