@@ -16,6 +16,7 @@
 //   direction, arcs and lines in closed form, from N 5000, E 1000 in the
 //   stated start azimuth; coordinates written rounded to 0.1 mm.
 #include <cmath>
+#include <cstdio>
 #include <limits>
 #include <random>
 #include <string>
@@ -206,7 +207,9 @@ TEST(TransitionCurve, PositionsAgainstRungeKutta)
             }
         }
     }
-    RecordProperty("worst_local_difference_m", std::to_string(worst));
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", worst);
+    RecordProperty("worst_local_difference_m", text);
 }
 
 TEST(TransitionCurve, RandomCurvesCloseAndProjectBack)

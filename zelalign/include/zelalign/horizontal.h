@@ -51,7 +51,9 @@ struct ZELALIGN_EXPORT HorizontalElement {
                                  zelmath::CACoordinate const& end, double radius);
     // A transition of the given type (Clothoid, CubicParabola or HalfSine) from
     // radius startRadius to endRadius (0 for a straight end). The clothoid's
-    // parameter A is derived from the length and the radii.
+    // parameter A is derived from the length and the radii. (A shaped
+    // transition is made by Shaped: one made here has no curve, and the
+    // alignment refuses it.)
     static HorizontalElement Transition(ElementType type, double startStation, double length,
                                         zelmath::CACoordinate const& start, zelmath::CACoordinate const& end,
                                         double startRadius, double endRadius);
