@@ -13,11 +13,14 @@
 //
 //   Bloss        f = 3 t^2 - 2 t^3
 //                (A. Bloss, 1936: the cubic run-out whose curvature has zero
-//                slope at both ends; the same law as the Bloss cant run-out
+//                slope at both ends; from a straight into R its turn is
+//                l^3 / (R L^2) - l^4 / (2 R L^3), as surveying software
+//                manuals state it; the same law as the Bloss cant run-out
 //                of cant.h)
 //   Biquadratic  f = 2 t^2 for t <= 1/2, 1 - 2 (1 - t)^2 beyond
 //                (Schramm's biquadratic parabola of German railway practice:
-//                two quadratic arcs of curvature meeting in the middle)
+//                two quadratic arcs of curvature meeting in the middle with
+//                matching slope, zero slope at both ends)
 //   Cosine       f = (1 - cos(pi t)) / 2
 //                (half-sine or cosine transition; IFC 4.3 IfcCosineSpiral,
 //                COSINECURVE)
