@@ -172,8 +172,11 @@ std::string LandXmlOf(std::vector<HorizontalElement> const& chain)
             break;
         default:
             x += "<Spiral spiType=\"";
-            x += e.type == ElementType::Clothoid ? "clothoid" : e.type == ElementType::CubicParabola ? "cubicParabola"
-                                                                                                   : "cosine";
+            // The shaped transitions' shape names are LandXML spiral types.
+            x += e.type == ElementType::Clothoid           ? "clothoid"
+                 : e.type == ElementType::CubicParabola    ? "cubicParabola"
+                 : e.type == ElementType::ShapedTransition ? zelalign::TransitionShapeName(e.shape)
+                                                           : "cosine";
             x += "\"";
             Radius(x, "radiusStart", rs);
             Radius(x, "radiusEnd", re);

@@ -297,6 +297,9 @@ struct CubicParabola : Element {
 struct HalfSine : Element {
     using Element::Element;
 };
+struct ShapedTransition : Element {
+    using Element::Element;
+};
 
 zelmath::CACoordinate Coordinate(std::pair<double, double> const& p)
 {
@@ -321,6 +324,8 @@ py::object ElementObject(zelalign::HorizontalElement const& e)
         return py::cast(CubicParabola(e));
     case zelalign::ElementType::HalfSine:
         return py::cast(HalfSine(e));
+    case zelalign::ElementType::ShapedTransition:
+        return py::cast(ShapedTransition(e));
     }
     return py::none();
 }
@@ -501,7 +506,10 @@ PYBIND11_MODULE(_core, m)
 
     py::class_<Element>(m, "Element", "A horizontal element of an alignment.")
         .def_property_readonly("type", [](Element const& e) { return zelalign::ElementTypeName(e.element.type); },
-                               "Kind of the element: 'line', 'arc', 'clothoid', 'cubic_parabola' or 'half_sine'.")
+                               "Kind of the element: 'line', 'arc', 'clothoid', 'cubic_parabola', 'half_sine' or "
+                               "'shaped_transition'.")
+        .def_property_readonly("curve", [](Element const& e) { return zelalign::ElementCurveName(e.element); },
+                               "Name of the curve: the kind, or a shaped transition's shape ('bloss', ...).")
         .def_property_readonly("start_station", [](Element const& e) { return e.element.StartStation(); },
                                "Station of the start (metres).")
         .def_property_readonly("end_station", [](Element const& e) { return e.element.EndStation(); },
@@ -563,6 +571,29 @@ PYBIND11_MODULE(_core, m)
              }),
              py::arg("start"), py::arg("end"), py::arg("length"), py::arg("start_radius"), py::arg("end_radius"),
              py::arg("start_station"));
+
+    BindElement<ShapedTransition>(m, "CoreShapedTransition",
+                                  "A transition given by its curvature along the length (bloss, biquadratic, cosine, "
+                                  "sinusoid).")
+        .def(py::init([](std::string const& shape, std::pair<double, double> s, std::pair<double, double> e,
+                         double length, double r1, double r2, double station) {
+                 for (zelalign::TransitionShape k :
+                      {zelalign::TransitionShape::Bloss, zelalign::TransitionShape::Biquadratic,
+                       zelalign::TransitionShape::Cosine, zelalign::TransitionShape::Sinusoid}) {
+                     if (shape == zelalign::TransitionShapeName(k)) {
+                         CheckStation(station, length);
+                         return ShapedTransition(zelalign::HorizontalElement::Shaped(k, station, length, Coordinate(s),
+                                                                                     Coordinate(e), r1, r2));
+                     }
+                 }
+                 throw zelalign::ArgumentError("unknown transition shape '" + shape +
+                                               "' (known: bloss, biquadratic, cosine, sinusoid)");
+             }),
+             py::arg("shape"), py::arg("start"), py::arg("end"), py::arg("length"), py::arg("start_radius"),
+             py::arg("end_radius"), py::arg("start_station"))
+        .def_property_readonly(
+            "shape", [](ShapedTransition const& e) { return zelalign::TransitionShapeName(e.element.shape); },
+            "Shape of the curvature along the length: 'bloss', 'biquadratic', 'cosine' or 'sinusoid'.");
 
     // Layout from a start point and direction, where the element library gives it.
     m.def("clothoid_end",

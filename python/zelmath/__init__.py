@@ -56,6 +56,7 @@ __all__ = [
     "Line",
     "PointTable",
     "Projection",
+    "ShapedTransition",
     "StationTable",
     "Status",
     "VerticalCurve",
@@ -73,6 +74,7 @@ class ElementType(enum.IntEnum):
     CLOTHOID = 2
     CUBIC_PARABOLA = 3
     HALF_SINE = 4
+    SHAPED_TRANSITION = 5
 
 
 class Status(enum.IntEnum):
@@ -491,8 +493,15 @@ class Element:
 
     @property
     def type(self) -> str:
-        """Kind of the element: "line", "arc", "clothoid", "cubic_parabola" or "half_sine"."""
+        """Kind of the element: "line", "arc", "clothoid", "cubic_parabola",
+        "half_sine" or "shaped_transition"."""
         return self._core_element.type
+
+    @property
+    def curve(self) -> str:
+        """Name of the curve: the kind, or for a shaped transition its shape
+        ("bloss", "biquadratic", "cosine", "sinusoid")."""
+        return self._core_element.curve
 
     @property
     def start_station(self) -> float:
@@ -644,12 +653,55 @@ class HalfSine(_Transition):
     _core_class = _core.CoreHalfSine
 
 
+class ShapedTransition(Element):
+    """A transition given by its curvature along the length,
+    k(l) = k_s + (k_e - k_s) f(l / L), between any two radii (straight to
+    curve, curve to straight, curve to curve, both bending senses).
+
+    shape : "bloss" (f = 3 t^2 - 2 t^3), "biquadratic" (f = 2 t^2 up to the
+    middle, 1 - 2 (1 - t)^2 beyond), "cosine" (f = (1 - cos(pi t)) / 2) or
+    "sinusoid" (f = t - sin(2 pi t) / (2 pi)). start, end : (east, north),
+    metres; the curve starts on start, its chord pointing at end. length :
+    metres along the element. start_radius, end_radius : signed radii
+    (metres), positive bends right, 0 for a straight end. Directions are exact,
+    positions integrated to better than 1e-9 m.
+    """
+
+    def __init__(
+        self,
+        shape: str,
+        start,
+        end,
+        length: float,
+        start_radius: float,
+        end_radius: float,
+        start_station: float = 0.0,
+    ) -> None:
+        super().__init__(
+            _core.CoreShapedTransition(
+                str(shape),
+                _pair(start),
+                _pair(end),
+                float(length),
+                float(start_radius),
+                float(end_radius),
+                float(start_station),
+            )
+        )
+
+    @property
+    def shape(self) -> str:
+        """Shape of the curvature: "bloss", "biquadratic", "cosine" or "sinusoid"."""
+        return self._core_element.shape
+
+
 _ELEMENT_CLASSES = {
     "line": Line,
     "arc": Arc,
     "clothoid": Clothoid,
     "cubic_parabola": CubicParabola,
     "half_sine": HalfSine,
+    "shaped_transition": ShapedTransition,
 }
 
 

@@ -90,6 +90,8 @@ class Element:
     def end_radius(self) -> float: ...
     @property
     def parameter(self) -> float: ...
+    @property
+    def curve(self) -> str: ...
     # (east, north, azimuth, radius)
     def _point_at(self, station: float) -> Tuple[float, float, float, float]: ...
     # (status, station, offset, along, foot_east, foot_north, azimuth, radius)
@@ -115,6 +117,20 @@ class CoreHalfSine(Element):
     def __init__(
         self, start: Point2, end: Point2, length: float, start_radius: float, end_radius: float, start_station: float
     ) -> None: ...
+
+class CoreShapedTransition(Element):
+    def __init__(
+        self,
+        shape: str,
+        start: Point2,
+        end: Point2,
+        length: float,
+        start_radius: float,
+        end_radius: float,
+        start_station: float,
+    ) -> None: ...
+    @property
+    def shape(self) -> str: ...
 
 class CoreVerticalCurve:
     def __init__(self, pi1: Point2, pi2: Point2, pi3: Point2, radius: float, kind: str) -> None: ...

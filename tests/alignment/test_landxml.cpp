@@ -146,11 +146,12 @@ TEST(LandXml, MissingPointAndRotation)
 TEST(LandXml, UnknownSpiralType)
 {
     std::string const g =
-        "<Spiral length=\"20\" radiusStart=\"INF\" radiusEnd=\"300\" rot=\"cw\" spiType=\"bloss\">"
+        "<Spiral length=\"20\" radiusStart=\"INF\" radiusEnd=\"300\" rot=\"cw\" spiType=\"wiener\">"
         "<Start>0 0</Start><PI>10 0</PI><End>20 0</End></Spiral>\n";
     EXPECT_EQ(ErrorOf(Document(g)),
-              "test.xml:5: <Spiral>: spiral type 'bloss' is not supported (supported: clothoid, cubicParabola, "
-              "cosine)");
+              "test.xml:5: <Spiral>: spiral type 'wiener' is not supported (supported: clothoid, cubicParabola, "
+              "cosine, revCosine, bloss, revBloss, biquadratic, biquadraticParabola, revBiquadratic, sinusoid, "
+              "revSinusoid)");
 }
 
 TEST(LandXml, UnparsableNumbers)

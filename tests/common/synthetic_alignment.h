@@ -20,13 +20,16 @@ using zelmath::CACoordinate;
 // alignment layer's own factories (a transition's parameter follows from its
 // length and radii).
 inline HorizontalElement Rebuilt(ElementType type, double startStation, double length, CACoordinate const& start,
-                                 CACoordinate const& end, double startRadius, double endRadius)
+                                 CACoordinate const& end, double startRadius, double endRadius,
+                                 zelalign::TransitionShape shape = zelalign::TransitionShape::Bloss)
 {
     switch (type) {
     case ElementType::Line:
         return HorizontalElement::Line(startStation, length, start, end);
     case ElementType::Arc:
         return HorizontalElement::Arc(startStation, length, start, end, startRadius);
+    case ElementType::ShapedTransition:
+        return HorizontalElement::Shaped(shape, startStation, length, start, end, startRadius, endRadius);
     default:
         return HorizontalElement::Transition(type, startStation, length, start, end, startRadius, endRadius);
     }
@@ -41,7 +44,7 @@ inline std::vector<HorizontalElement> Mirrored(std::vector<HorizontalElement> co
         CACoordinate const s(-e.spec.Start.Coordinate.East().Double(), e.spec.Start.Coordinate.North().Double());
         CACoordinate const t(-e.spec.End.Coordinate.East().Double(), e.spec.End.Coordinate.North().Double());
         out.push_back(Rebuilt(e.type, e.StartStation(), e.Length(), s, t, -e.spec.Start.Radius.Double(),
-                              -e.spec.End.Radius.Double()));
+                              -e.spec.End.Radius.Double(), e.shape));
     }
     return out;
 }
@@ -59,7 +62,8 @@ inline std::vector<HorizontalElement> Reversed(std::vector<HorizontalElement> co
     for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
         HorizontalElement const& e = *it;
         out.push_back(Rebuilt(e.type, mirror - e.EndStation(), e.Length(), e.spec.End.Coordinate,
-                              e.spec.Start.Coordinate, -e.spec.End.Radius.Double(), -e.spec.Start.Radius.Double()));
+                              e.spec.Start.Coordinate, -e.spec.End.Radius.Double(), -e.spec.Start.Radius.Double(),
+                              e.shape));
     }
     return out;
 }
@@ -89,7 +93,7 @@ inline std::vector<HorizontalElement> Repeated(std::vector<HorizontalElement> co
             CACoordinate const t(e.spec.End.Coordinate.East().Double() + kd * de,
                                  e.spec.End.Coordinate.North().Double() + kd * dn);
             out.push_back(Rebuilt(e.type, e.StartStation() + kd * span, e.Length(), s, t,
-                                  e.spec.Start.Radius.Double(), e.spec.End.Radius.Double()));
+                                  e.spec.Start.Radius.Double(), e.spec.End.Radius.Double(), e.shape));
         }
     }
     return out;

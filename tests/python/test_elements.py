@@ -142,6 +142,36 @@ def test_half_sine_curvature_and_end():
     assert math.hypot(p.east - east, p.north - north) < 2e-4
 
 
+def test_shaped_transition_from_a_curve_into_a_curve():
+    # Bloss from R 1200 m into R 400 m over 100 m, heading East and bending
+    # right: direction and position by Simpson's rule on the curvature
+    # 1/1200 + (1/400 - 1/1200) (3 t^2 - 2 t^3).
+    length, r1, r2 = 100.0, 1200.0, 400.0
+
+    def theta(s):
+        t = np.asarray(s) / length
+        k1, k2 = 1 / r1, 1 / r2
+        # The closed form of the integral of the curvature.
+        return k1 * t * length + (k2 - k1) * length * (t**3 - t**4 / 2)
+
+    east = simpson(lambda s: np.cos(theta(s)), 0.0, length)
+    north = simpson(lambda s: -np.sin(theta(s)), 0.0, length)
+    e = zelmath.ShapedTransition("bloss", (0.0, 0.0), (east, north), length, r1, r2)
+    assert e.type == "shaped_transition" and e.curve == "bloss" and e.shape == "bloss"
+    assert e.point_at(length).radius == pytest.approx(r2, rel=1e-12)
+    # End direction: start + k1 L + (k2 - k1) L / 2, East is pi / 2.
+    assert e.point_at(length).azimuth == pytest.approx(math.pi / 2 + length / r1 + (1 / r2 - 1 / r1) * length / 2,
+                                                       abs=1e-12)
+    p = e.point_at(50.0)
+    assert p.east == pytest.approx(simpson(lambda s: np.cos(theta(s)), 0.0, 50.0), abs=1e-9)
+    assert p.north == pytest.approx(simpson(lambda s: -np.sin(theta(s)), 0.0, 50.0), abs=1e-9)
+    f = e.project(p.east + 2.0 * math.cos(p.azimuth), p.north - 2.0 * math.sin(p.azimuth))
+    assert f.station == pytest.approx(50.0, abs=1e-6)
+    assert f.offset == pytest.approx(2.0, abs=1e-6)
+    with pytest.raises(zelmath.ArgumentError):
+        zelmath.ShapedTransition("spline", (0.0, 0.0), (east, north), length, r1, r2)
+
+
 def test_vertical_parabola():
     # Grades +2 % and -2 % meeting at station 100, height 102; vertex radius 2000 m:
     # the curve spans R (g1 - g2) = 80 m and sags the PVI by 80 * 0.04 / 8.

@@ -53,6 +53,10 @@ void WriteGeoJson(Output& out, zelalign::Alignment const& a, double chordError)
         AppendJsonString(s, a.Name());
         s += ",\"index\":" + std::to_string(i) + ",\"type\":";
         AppendJsonString(s, zelalign::ElementTypeName(e.type));
+        if (e.type == zelalign::ElementType::ShapedTransition) {
+            s += ",\"shape\":";
+            AppendJsonString(s, zelalign::TransitionShapeName(e.shape));
+        }
         s += ",\"start_station\":";
         AppendNumber(s, e.StartStation(), CoordinateDecimals);
         s += ",\"end_station\":";

@@ -123,6 +123,10 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
         s += i == 0 ? "\n    " : ",\n    ";
         s += "{\"index\": " + std::to_string(i) + ", \"type\": ";
         AppendJsonString(s, zelalign::ElementTypeName(e.type));
+        if (e.type == zelalign::ElementType::ShapedTransition) {
+            s += ", \"shape\": ";
+            AppendJsonString(s, zelalign::TransitionShapeName(e.shape));
+        }
         s += ", \"line\": " + std::to_string(a.SourceLines()[i]);
         s += ", \"start_station\": ";
         AppendJsonNumber(s, e.StartStation());

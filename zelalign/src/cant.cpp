@@ -6,14 +6,9 @@
 #include <utility>
 
 #include <zelalign/error.h>
+#include <zelalign/transition_curve.h>
 
 namespace zelalign {
-
-namespace {
-
-constexpr double Pi = 3.14159265358979323846;
-
-}  // namespace
 
 double CantShapeFraction(CantShape shape, double t)
 {
@@ -21,12 +16,13 @@ double CantShapeFraction(CantShape shape, double t)
     switch (shape) {
     case CantShape::Linear:
         return t;
+    // The run-outs follow the same laws as the transitions of the plan.
     case CantShape::Bloss:
-        return t * t * (3.0 - 2.0 * t);
+        return TransitionShapeFraction(TransitionShape::Bloss, t);
     case CantShape::Cosine:
-        return (1.0 - std::cos(Pi * t)) / 2.0;
+        return TransitionShapeFraction(TransitionShape::Cosine, t);
     case CantShape::Biquadratic:
-        return t <= 0.5 ? 2.0 * t * t : 1.0 - 2.0 * (1.0 - t) * (1.0 - t);
+        return TransitionShapeFraction(TransitionShape::Biquadratic, t);
     }
     return t;
 }

@@ -111,6 +111,41 @@ double HalfSineRadius(CAxisComplexSpec const& spec, double station)
     return k == 0.0 ? 0.0 : 1.0 / k;
 }
 
+// A shaped transition is evaluated by its own curve (transition_curve.h), the
+// same on the literal and the prepared path; its lengths count from the
+// element's start station.
+void ShapedPoint(HorizontalElement const& element, double station, AlignmentPoint* out)
+{
+    TransitionPoint const p = element.curve->Point(station - element.StartStation());
+    out->station = station;
+    out->east = p.east;
+    out->north = p.north;
+    out->azimuth = p.azimuth;
+    out->radius = p.curvature == 0.0 ? 0.0 : 1.0 / p.curvature;
+}
+
+int ShapedFoot(HorizontalElement const& element, double east, double north, AlignmentPoint* out)
+{
+    TransitionPoint p;
+    TransitionFootStatus const status = element.curve->Foot(east, north, &p);
+    out->station = p.length + element.StartStation();
+    out->east = p.east;
+    out->north = p.north;
+    out->azimuth = p.azimuth;
+    out->radius = p.curvature == 0.0 ? 0.0 : 1.0 / p.curvature;
+    switch (status) {
+    case TransitionFootStatus::OnCurve:
+        return TPointMathResult::OnElement;
+    case TransitionFootStatus::BeforeStart:
+        return TPointMathResult::BeforeStart;
+    case TransitionFootStatus::BeyondEnd:
+        return TPointMathResult::BeyondEnd;
+    case TransitionFootStatus::NoSolution:
+        break;
+    }
+    return TPointMathResult::NoSolution;
+}
+
 }  // namespace
 
 bool TransitionSupported(HorizontalElement const& element)
@@ -126,6 +161,8 @@ bool TransitionSupported(HorizontalElement const& element)
         return (type == 0 || type == 1);
     case ElementType::HalfSine:
         return (type == 0 || type == 1);
+    case ElementType::ShapedTransition:
+        return element.curve != nullptr;
     }
     return false;
 }
@@ -160,6 +197,9 @@ void ElementKleinpunkt(HorizontalElement const& element, double station, Alignme
         zelmath::CMathHalfSin::Kleinpunkt(spec, CALength(station), &rec);
         rec.Radius = CALength(HalfSineRadius(spec, station));
         break;
+    case ElementType::ShapedTransition:
+        ShapedPoint(element, station, out);
+        return;
     }
     Copy(rec, out);
     out->station = station;
@@ -198,6 +238,8 @@ int ElementLot(HorizontalElement const& element, CACoordinate const& point, Alig
         result = zelmath::CMathHalfSin::Lot(spec, point, &rec);
         rec.Radius = CALength(HalfSineRadius(spec, rec.Station.Double()));
         break;
+    case ElementType::ShapedTransition:
+        return ShapedFoot(element, point.East().Double(), point.North().Double(), out);
     }
     Copy(rec, out);
     return result;
@@ -690,6 +732,8 @@ PreparedElement PrepareElement(HorizontalElement const& element)
     c.endNorth = spec.End.Coordinate.North().Double();
     CACoordinate const d = spec.End.Coordinate - spec.Start.Coordinate;
     switch (element.type) {
+    case ElementType::ShapedTransition:
+        break;  // its own curve holds its table; both paths call it
     case ElementType::Line: {
         c.chordEast = d.East().Double();
         c.chordNorth = d.North().Double();
@@ -740,6 +784,9 @@ void PreparedKleinpunkt(HorizontalElement const& element, PreparedElement const&
         return;
     }
     switch (c.type) {
+    case ElementType::ShapedTransition:  // never prepared: taken above
+        ElementKleinpunkt(element, station, out);
+        return;
     case ElementType::Line:
         LinePoint(c, station - c.startStation, out);
         break;
@@ -765,6 +812,9 @@ int PreparedLot(HorizontalElement const& element, PreparedElement const& c, doub
     }
     int result = TPointMathResult::NoSolution;
     switch (c.type) {
+    case ElementType::ShapedTransition:  // never prepared: taken above
+        result = ElementLot(element, CACoordinate(east, north), out);
+        break;
     case ElementType::Line:
         result = LineLot(c, east, north, out);
         out->station = out->station + c.startStation;

@@ -120,8 +120,18 @@ char const* ElementTypeName(ElementType type)
         return "cubic_parabola";
     case ElementType::HalfSine:
         return "half_sine";
+    case ElementType::ShapedTransition:
+        return "shaped_transition";
     }
     return "unknown";
+}
+
+char const* ElementCurveName(HorizontalElement const& element)
+{
+    if (element.type == ElementType::ShapedTransition) {
+        return TransitionShapeName(element.shape);
+    }
+    return ElementTypeName(element.type);
 }
 
 char const* ProjectionStatusName(ProjectionStatus status)
@@ -183,6 +193,21 @@ HorizontalElement HorizontalElement::Transition(ElementType type, double startSt
     double const dk = std::fabs(ke - ks);
     e.spec.Parameter = CALength(dk > 0.0 ? std::sqrt(length / dk) : 0.0);
     zelmath::CMathComplexShape::GetComplextype(&e.spec);
+    return e;
+}
+
+HorizontalElement HorizontalElement::Shaped(TransitionShape shape, double startStation, double length,
+                                            CACoordinate const& start, CACoordinate const& end, double startRadius,
+                                            double endRadius)
+{
+    HorizontalElement e = Transition(ElementType::ShapedTransition, startStation, length, start, end, startRadius,
+                                     endRadius);
+    e.shape = shape;
+    e.curve = std::make_shared<TransitionCurve const>(shape, length, startRadius, endRadius, start.East().Double(),
+                                                      start.North().Double(), end.East().Double(),
+                                                      end.North().Double());
+    e.spec.Start.Azimuth = zelmath::CAAzimuth(e.curve->StartAzimuth());
+    e.spec.End.Azimuth = zelmath::CAAzimuth(e.curve->Point(length).azimuth);
     return e;
 }
 

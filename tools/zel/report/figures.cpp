@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "format.h"
 #include "report/svg.h"
@@ -196,6 +197,8 @@ char const* ElementColour(zelalign::ElementType type)
         return "#2ca02c";
     case zelalign::ElementType::HalfSine:
         return "#9467bd";
+    case zelalign::ElementType::ShapedTransition:
+        return "#8c564b";
     }
     return "#000000";
 }
@@ -246,8 +249,17 @@ Figure PlanFigure(zelalign::PlanDiagram const& plan, MeasuredPoints const* point
 
     // Legend of the element types.
     double lx = 80.0;
-    for (auto type : {zelalign::ElementType::Line, zelalign::ElementType::Arc, zelalign::ElementType::Clothoid,
-                      zelalign::ElementType::CubicParabola, zelalign::ElementType::HalfSine}) {
+    std::vector<zelalign::ElementType> legend = {zelalign::ElementType::Line, zelalign::ElementType::Arc,
+                                                 zelalign::ElementType::Clothoid, zelalign::ElementType::CubicParabola,
+                                                 zelalign::ElementType::HalfSine};
+    // The shaped transitions only where the alignment has one.
+    for (auto const& e : plan.elements) {
+        if (e.type == zelalign::ElementType::ShapedTransition) {
+            legend.push_back(e.type);
+            break;
+        }
+    }
+    for (auto type : legend) {
         svg.Line(lx, TitleBaseline - 4.0, lx + 22.0, TitleBaseline - 4.0, ElementColour(type), AxisLineWidth * 1.5);
         std::string const name = zelalign::ElementTypeName(type);
         svg.Text(lx + 27.0, TitleBaseline, name, "start", LabelSize);

@@ -17,14 +17,18 @@
 
 #include <zelmath/records.h>
 
+#include <zelalign/transition_curve.h>
 #include <zelalign/zelalign_export.h>
 
 namespace zelalign {
 
-enum class ElementType { Line, Arc, Clothoid, CubicParabola, HalfSine };
+// ShapedTransition: a transition given by its curvature along the length
+// (Bloss, biquadratic, cosine, sinusoid; see transition_curve.h), evaluated
+// by this library rather than by an element class of zelmath.
+enum class ElementType { Line, Arc, Clothoid, CubicParabola, HalfSine, ShapedTransition };
 
 // Short lower-case name of an element type ("line", "arc", "clothoid",
-// "cubic_parabola", "half_sine").
+// "cubic_parabola", "half_sine", "shaped_transition").
 ZELALIGN_EXPORT char const* ElementTypeName(ElementType type);
 
 // One element of the chain. For a straight and an arc both radii of the record
@@ -33,6 +37,9 @@ ZELALIGN_EXPORT char const* ElementTypeName(ElementType type);
 struct ZELALIGN_EXPORT HorizontalElement {
     ElementType type = ElementType::Line;
     zelmath::CAxisComplexSpec spec;
+    // ShapedTransition only: its shape and its curve (built once, shared by copies).
+    TransitionShape shape = TransitionShape::Bloss;
+    std::shared_ptr<TransitionCurve const> curve;
 
     double StartStation() const { return spec.Start.Station.Double(); }
     double EndStation() const { return spec.End.Station.Double(); }
@@ -44,11 +51,25 @@ struct ZELALIGN_EXPORT HorizontalElement {
                                  zelmath::CACoordinate const& end, double radius);
     // A transition of the given type (Clothoid, CubicParabola or HalfSine) from
     // radius startRadius to endRadius (0 for a straight end). The clothoid's
-    // parameter A is derived from the length and the radii.
+    // parameter A is derived from the length and the radii. (A shaped
+    // transition is made by Shaped: one made here has no curve, and the
+    // alignment refuses it.)
     static HorizontalElement Transition(ElementType type, double startStation, double length,
                                         zelmath::CACoordinate const& start, zelmath::CACoordinate const& end,
                                         double startRadius, double endRadius);
+    // A transition of the given shape from startRadius to endRadius (signed,
+    // metres, 0 for a straight end; both bending senses, straight to curve,
+    // curve to straight and curve to curve), fitted between the two points.
+    // Throws DataError for a non-positive length, equal radii or
+    // non-finite values.
+    static HorizontalElement Shaped(TransitionShape shape, double startStation, double length,
+                                    zelmath::CACoordinate const& start, zelmath::CACoordinate const& end,
+                                    double startRadius, double endRadius);
 };
+
+// Name of the element's curve: the type's name, and for a shaped transition
+// the name of its shape ("bloss", "biquadratic", "cosine", "sinusoid").
+ZELALIGN_EXPORT char const* ElementCurveName(HorizontalElement const& element);
 
 // A point of the alignment at a station.
 struct AlignmentPoint {

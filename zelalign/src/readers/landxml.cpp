@@ -63,6 +63,63 @@ pugi::xml_node Child(pugi::xml_node node, char const* name)
     return pugi::xml_node();
 }
 
+// The LandXML spiral types (spiType) and the curve each is read as; the one
+// place that decides, and the list the refusal names.
+//
+// clothoid and cubicParabola are the element library's clothoid and cubic
+// parabola. cosine is the half-sine transition, curvature (1 - cos(pi t)) / 2
+// of the change of curvature: between a straight and a curve the element
+// library's half-sine, between two curves (which that element does not take)
+// the shaped transition of the same law. bloss, biquadratic (Schramm) and
+// sinusoid (Klein's sine curve) are shaped transitions (transition_curve.h).
+// biquadraticParabola is the same biquadratic parabola. The rev... types are
+// these curves written from their other end: every one of the shapes is
+// point-symmetric about its middle (f(1 - t) = 1 - f(t)), so the curve read
+// backwards from its end radius has the same law, and rev... is read as the
+// curve itself.
+//
+// Refused, with the reason, are the types that are not given by a curvature
+// along their length: cubic (the clothoid's first approximation, ordinate
+// l^3 / (6 R L) over the length; not the cubic parabola), japaneseCubic and
+// sineHalfWave (ordinates over the tangent abscissa: x^3 / (6 R X), and
+// x^2 / (4 R) - X^2 (1 - cos(pi x / X)) / (2 pi^2 R), the Japanese sine
+// half-wavelength diminishing tangent curve), radioid (no curvature law along
+// the length documented for the LandXML type), and weinerBogen (its lateral
+// position depends on the cant and the height of the vehicle's centre of
+// gravity, which a LandXML spiral does not carry).
+enum class SpiralCurve { Clothoid, CubicParabola, Cosine, Shaped, Refused };
+
+struct SpiralKind {
+    char const* name;
+    SpiralCurve curve;
+    TransitionShape shape;  // Cosine and Shaped
+    char const* refusal;    // Refused: why
+};
+
+constexpr SpiralKind SpiralKinds[] = {
+    {"clothoid", SpiralCurve::Clothoid, TransitionShape::Bloss, ""},
+    {"cubicParabola", SpiralCurve::CubicParabola, TransitionShape::Bloss, ""},
+    {"cosine", SpiralCurve::Cosine, TransitionShape::Cosine, ""},
+    {"revCosine", SpiralCurve::Cosine, TransitionShape::Cosine, ""},
+    {"bloss", SpiralCurve::Shaped, TransitionShape::Bloss, ""},
+    {"revBloss", SpiralCurve::Shaped, TransitionShape::Bloss, ""},
+    {"biquadratic", SpiralCurve::Shaped, TransitionShape::Biquadratic, ""},
+    {"biquadraticParabola", SpiralCurve::Shaped, TransitionShape::Biquadratic, ""},
+    {"revBiquadratic", SpiralCurve::Shaped, TransitionShape::Biquadratic, ""},
+    {"sinusoid", SpiralCurve::Shaped, TransitionShape::Sinusoid, ""},
+    {"revSinusoid", SpiralCurve::Shaped, TransitionShape::Sinusoid, ""},
+    {"cubic", SpiralCurve::Refused, TransitionShape::Bloss,
+     "the cubic spiral is given by its ordinate over the length, not by a curvature along it"},
+    {"japaneseCubic", SpiralCurve::Refused, TransitionShape::Bloss,
+     "the Japanese cubic is given by its ordinate over the tangent, not by a curvature along its length"},
+    {"sineHalfWave", SpiralCurve::Refused, TransitionShape::Bloss,
+     "the sine half-wave is given by its ordinate over the tangent, not by a curvature along its length"},
+    {"radioid", SpiralCurve::Refused, TransitionShape::Bloss,
+     "the radioid is not given by a curvature along its length"},
+    {"weinerBogen", SpiralCurve::Refused, TransitionShape::Bloss,
+     "the Wiener Bogen depends on the cant and the height of the centre of gravity, which the spiral does not carry"},
+};
+
 class Reader {
 public:
     Reader(std::string const& text, std::string source, Tolerances const& tolerances = Tolerances())
@@ -310,15 +367,21 @@ HorizontalElement Reader::ReadSpiral(pugi::xml_node node, double station)
     if (rs == 0.0 || re == 0.0) {
         Fail(node, "a radius of 0 is not a curve; write INF for a straight end");
     }
-    ElementType type = ElementType::Clothoid;
-    if (spiType == "clothoid") {
-        type = ElementType::Clothoid;
-    } else if (spiType == "cubicParabola") {
-        type = ElementType::CubicParabola;
-    } else if (spiType == "cosine") {
-        type = ElementType::HalfSine;
-    } else {
-        Fail(node, "spiral type '" + spiType + "' is not supported (supported: clothoid, cubicParabola, cosine)");
+    SpiralKind const* kind = nullptr;
+    for (SpiralKind const& k : SpiralKinds) {
+        if (spiType == k.name) {
+            kind = &k;
+        }
+    }
+    if (kind == nullptr || kind->curve == SpiralCurve::Refused) {
+        std::string list;
+        for (SpiralKind const& k : SpiralKinds) {
+            if (k.curve != SpiralCurve::Refused) {
+                list += (list.empty() ? "" : ", ") + std::string(k.name);
+            }
+        }
+        std::string const why = kind == nullptr ? std::string() : std::string(": ") + kind->refusal;
+        Fail(node, "spiral type '" + spiType + "' is not supported" + why + " (supported: " + list + ")");
     }
     if (radiusStart == radiusEnd) {
         // Equal radii at both ends: no transition, an arc (or a straight).
@@ -327,7 +390,29 @@ HorizontalElement Reader::ReadSpiral(pugi::xml_node node, double station)
         }
         return HorizontalElement::Arc(station, length, start, end, radiusStart);
     }
-    return HorizontalElement::Transition(type, station, length, start, end, radiusStart, radiusEnd);
+    bool const straightEnd = radiusStart == 0.0 || radiusEnd == 0.0;
+    switch (kind->curve) {
+    case SpiralCurve::Clothoid:
+        return HorizontalElement::Transition(ElementType::Clothoid, station, length, start, end, radiusStart,
+                                             radiusEnd);
+    case SpiralCurve::CubicParabola:
+        return HorizontalElement::Transition(ElementType::CubicParabola, station, length, start, end, radiusStart,
+                                             radiusEnd);
+    case SpiralCurve::Cosine:
+        if (straightEnd) {
+            return HorizontalElement::Transition(ElementType::HalfSine, station, length, start, end, radiusStart,
+                                                 radiusEnd);
+        }
+        break;
+    case SpiralCurve::Shaped:
+    case SpiralCurve::Refused:
+        break;
+    }
+    try {
+        return HorizontalElement::Shaped(kind->shape, station, length, start, end, radiusStart, radiusEnd);
+    } catch (DataError const& e) {
+        Fail(node, e.what());
+    }
 }
 
 VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign, AlignmentSource* source)
