@@ -11,7 +11,8 @@
 //   (theta' = k(l), x' = cos theta, y' = sin theta) in this file, with 40000
 //   steps (the library uses closed-form directions and Gauss-Legendre);
 // - the LandXML files tests/data/landxml/spiral_*.xml and the measured points
-//   of the table below were computed once with mpmath (30 digits): direction by
+//   of the table below were computed with mpmath (30 digits) by
+//   tests/data/landxml/spiral_reference.py, which writes them again: direction by
 //   mpmath.quad of the curvature, position by mpmath.quad of (cos, sin) of the
 //   direction, arcs and lines in closed form, from N 5000, E 1000 in the
 //   stated start azimuth; coordinates written rounded to 0.1 mm.
