@@ -25,6 +25,8 @@ char const* CurveName(zelalign::VerticalCurveType type)
         return "circle";
     case zelalign::VerticalCurveType::Parabola:
         return "parabola";
+    case zelalign::VerticalCurveType::UnsymParabola:
+        return "unsym_parabola";
     case zelalign::VerticalCurveType::None:
         break;
     }
@@ -85,7 +87,7 @@ void WriteText(Output& out, zelalign::Alignment const& a)
         zelalign::ProfilePoint const& v = p.Points()[i];
         s = std::to_string(i) + ',' + Fixed(v.station, LengthDecimals) + ',' + Fixed(v.height, LengthDecimals) + ',' +
             CurveName(v.curve) + ',' +
-            (v.curve == zelalign::VerticalCurveType::None ? std::string() : Fixed(v.radius, LengthDecimals)) + ',' +
+            (v.radius > 0.0 ? Fixed(v.radius, LengthDecimals) : std::string()) + ',' +
             Fixed(p.CurveStart(static_cast<int>(i)), LengthDecimals) + ',' +
             Fixed(p.CurveEnd(static_cast<int>(i)), LengthDecimals) + '\n';
         out.Write(s);
@@ -156,7 +158,7 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
         s += ", \"curve\": ";
         AppendJsonString(s, CurveName(v.curve));
         s += ", \"radius\": ";
-        if (v.curve == zelalign::VerticalCurveType::None) {
+        if (!(v.radius > 0.0)) {  // no curve, or an unsymmetrical parabola (two radii)
             s += "null";
         } else {
             AppendJsonNumber(s, v.radius);

@@ -213,15 +213,26 @@ std::vector<Finding> Validate(HorizontalAlignment const& horizontal, VerticalPro
         double const prof = atStart ? profile.StartStation() : profile.EndStation();
         double const miss = std::fabs(plan - prof);
         if (miss > t.position) {
+            bool const inside = atStart == (prof > plan);
             Finding f;
             f.kind = FindingKind::ProfileExtent;
             f.severity = Severity::Warning;
             f.station = prof;
             f.size = miss;
             f.message = std::string("the profile ") + (atStart ? "starts at station " : "ends at station ") +
-                        Metres(prof) + ", " + Size(miss) + (atStart == (prof > plan) ? " inside" : " outside") +
-                        " the plan's " + (atStart ? "start " : "end ") + Metres(plan) +
-                        "; design heights are given only where the profile reaches";
+                        Metres(prof) + ", " + Size(miss) + (inside ? " inside" : " outside") + " the plan's " +
+                        (atStart ? "start " : "end ") + Metres(plan) + LimitText(t);
+            if (!inside) {
+                f.message += "; the profile beyond the plan is not used";
+            } else if (miss <= t.positionLimit) {
+                // Alignment continues the end grade over the shortfall.
+                f.message += std::string("; heights from ") + Metres(atStart ? plan : prof) + " to " +
+                             Metres(atStart ? prof : plan) + " continue the profile's " +
+                             (atStart ? "first" : "last") + " grade";
+            } else {
+                f.message += std::string("; no design heights ") + (atStart ? "before station " : "beyond station ") +
+                             Metres(prof);
+            }
             add(f);
         }
     }

@@ -67,7 +67,9 @@ enum class FindingKind {
     Kink,               // the direction changes at a joint
     StationDiscrepancy, // an element's stated start station differs from the station along the alignment
     ProfileOverlap,     // a vertical curve starts before the previous one ends
-    ProfileExtent,      // the profile starts or ends away from the plan's ends
+    ProfileExtent,      // the profile starts or ends away from the plan's ends: always a warning; a
+                        // profile short of a plan's end by no more than positionLimit has its end
+                        // grade continued to it (Alignment), one shorter gives no heights there
     OutOfRange          // a parameter outside the range where the element's formulas hold
 };
 

@@ -361,8 +361,18 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign, AlignmentSource* s
         } else if (kind == "ParaCurve") {
             r.point.curve = VerticalCurveType::Parabola;
             r.length = Attribute(c, "length");
+        } else if (kind == "UnsymParaCurve") {
+            // Its text is the PVI; lengthIn and lengthOut the horizontal
+            // extent of the curve before and after it.
+            r.point.curve = VerticalCurveType::UnsymParabola;
+            r.point.lengthIn = Attribute(c, "lengthIn");
+            r.point.lengthOut = Attribute(c, "lengthOut");
+            if (!(r.point.lengthIn > 0.0) || !(r.point.lengthOut > 0.0)) {
+                Fail(c, "lengthIn and lengthOut must be positive");
+            }
         } else {
-            Fail(c, "profile element '" + kind + "' is not supported (supported: PVI, CircCurve, ParaCurve)");
+            Fail(c, "profile element '" + kind +
+                        "' is not supported (supported: PVI, CircCurve, ParaCurve, UnsymParaCurve)");
         }
         raw.push_back(r);
     }
@@ -374,7 +384,11 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign, AlignmentSource* s
         if (i > 0 && !(r.point.station > raw[i - 1].point.station)) {
             Fail(r.node, "stations must increase along the profile");
         }
-        if (r.point.curve == VerticalCurveType::None || r.point.radius > 0.0) {
+        if (r.point.curve != VerticalCurveType::None && (i == 0 || i + 1 == raw.size())) {
+            Fail(r.node, "the first and the last point of a profile cannot carry a vertical curve");
+        }
+        if (r.point.curve == VerticalCurveType::None || r.point.curve == VerticalCurveType::UnsymParabola ||
+            r.point.radius > 0.0) {
             continue;
         }
         if (i == 0 || i + 1 == raw.size()) {
