@@ -48,6 +48,24 @@ Severity Classify(double size, double tolerance, double limit)
     return size <= limit ? Severity::Warning : Severity::Refused;
 }
 
+Finding CheckStated(StatedMeasure measure, double difference, Tolerances const& t)
+{
+    Finding f;
+    f.kind = FindingKind::StatedValue;
+    f.size = std::fabs(difference);
+    char buffer[160];
+    if (measure == StatedMeasure::Angle) {
+        f.severity = Classify(f.size, t.angle, t.angleLimit);
+        std::snprintf(buffer, sizeof buffer, "differs by %.3f mrad (tolerance %.3f mrad, limit %.3f mrad)",
+                      f.size * 1000.0, t.angle * 1000.0, t.angleLimit * 1000.0);
+        f.message = buffer;
+    } else {
+        f.severity = Classify(f.size, t.position, t.positionLimit);
+        f.message = "differs by " + Size(f.size) + LimitText(t);
+    }
+    return f;
+}
+
 std::vector<Finding> Validate(HorizontalAlignment const& horizontal, VerticalProfile const& profile,
                               Tolerances const& t, std::vector<double> const& statedStarts)
 {
