@@ -113,6 +113,8 @@ check(grads["coordinate_system"] == "EPSG:25832", "point: the file's coordinate 
 check(grads["crs"] == {"type": "name", "properties": {"name": "urn:ogc:def:crs:EPSG::25832"}}, "point: crs for GIS")
 check(grads["units"] == {"length": "metre", "angle": "gon", "file_linear_unit": "meter", "file_angular_unit": "grads"},
       "point: units")
+grads_info = json.loads(zel("info", os.path.join(data, "curve_statements_grads.xml"), "--json"))
+check(grads_info["file_angular_unit"] == "grads" and grads_info["coordinate_system"] == "EPSG:25832", "info: units")
 # Feet: the coordinates are metres (10000 US survey feet north = 10000 * 1200 / 3937 m),
 # so no crs member claims the file's system for them.
 feet = json.loads(zel("point", os.path.join(data, "us_survey_feet.xml"), "--at", str(1000 * 1200 / 3937),

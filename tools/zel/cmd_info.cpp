@@ -55,7 +55,8 @@ void WriteText(Output& out, zelalign::Alignment const& a)
     // Every length is converted to metres on reading; the file's own unit and
     // coordinate system are named so that the output can be traced back.
     s += "units: metres (file: " + (a.Source().linearUnit.empty() ? std::string("meter") : a.Source().linearUnit) +
-         ")\n";
+         "), angles of the file in " +
+         (a.Source().angularUnit.empty() ? std::string("radians") : a.Source().angularUnit) + "\n";
     s += "coordinate system: " +
          (a.Source().coordinateSystem.empty() ? std::string("not declared") : a.Source().coordinateSystem) + "\n";
     s += "station equations: " + std::to_string(a.Equations().Equations().size()) +
@@ -111,6 +112,8 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
     s += ",\n  \"element_count\": " + std::to_string(h.Size());
     s += ",\n  \"file_linear_unit\": ";
     AppendJsonString(s, a.Source().linearUnit);
+    s += ",\n  \"file_angular_unit\": ";
+    AppendJsonString(s, a.Source().angularUnit);
     s += ",\n  \"coordinate_system\": ";
     AppendJsonString(s, a.Source().coordinateSystem);
     s += ",\n  \"tunnel_metre\": {\"reference_station\": ";
