@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <zelalign/diagrams.h>
 #include <zelalign/error.h>
 #include <zelalign/profile.h>
 #include <zelalign/readers/landxml.h>
@@ -246,10 +247,16 @@ TEST(LandXmlProfile, ProfileShortOfThePlanContinuesItsEndGrades)
     zelalign::StationedPoint const p = a.Station(499.0, 1000.0, 50.0);
     EXPECT_NEAR(p.station, 1000.0, 1e-9);
     EXPECT_NEAR(p.heightDifference, 50.0 - 49.99997, 1e-9);
-    // Tunnel metres reach the plan's ends too.
+    // Tunnel metres (by default equal to the station at the start) count the
+    // continued grades along their slope too: 200 m of plan at 1 % and 200 m
+    // at 0.5 %.
     double tm = 0.0;
-    EXPECT_TRUE(a.ToTunnelMetre(1000.0, &tm));
-    EXPECT_TRUE(a.ToTunnelMetre(1400.0, &tm));
+    ASSERT_TRUE(a.ToTunnelMetre(1000.0, &tm));
+    EXPECT_NEAR(tm, 1000.0, 1e-12);
+    ASSERT_TRUE(a.ToTunnelMetre(1400.0, &tm));
+    EXPECT_NEAR(tm, 1000.0 + 200.0 * std::sqrt(1.0001) + 200.0 * std::sqrt(1.000025), 1e-9);
+    EXPECT_DOUBLE_EQ(a.Profile().CoveredStart(), 1000.0);
+    EXPECT_DOUBLE_EQ(a.Profile().CoveredEnd(), 1400.0);
 }
 
 TEST(LandXmlProfile, ProfileFarShortOfThePlanGivesNoHeightsThere)
@@ -286,4 +293,30 @@ TEST(LandXmlProfile, ProfileFarShortOfThePlanGivesNoHeightsThere)
     EXPECT_TRUE(Contains(b.Warnings()[0], "starts at station 999.9900, 10.0 mm outside the plan's start 1000.0000"))
         << b.Warnings()[0];
     EXPECT_DOUBLE_EQ(b.Profile().CoveredStart(), 999.99);
+}
+
+TEST(LandXmlProfile, UnsymmetricalParabolaIsOneCurveOfTheProfileDiagram)
+{
+    Alignment const a = ReadLandXml(DataFile("unsym_parabola.xml"));
+    zelalign::ProfileDiagram const d = zelalign::MakeProfileDiagram(a.Profile(), 10.0);
+    ASSERT_EQ(d.curves.size(), 1u);
+    EXPECT_EQ(d.curves[0].type, VerticalCurveType::UnsymParabola);
+    EXPECT_NEAR(d.curves[0].startStation, 170.0, 1e-9);
+    EXPECT_NEAR(d.curves[0].endStation, 370.0, 1e-9);
+    EXPECT_NEAR(d.curves[0].startHeight, 103.4, 1e-9);
+    EXPECT_NEAR(d.curves[0].endHeight, 102.6, 1e-9);
+    // Every sample on the curve follows the closed form worked out above.
+    int onCurve = 0;
+    for (zelalign::ProfileSample const& p : d.samples) {
+        if (p.station < 170.0 || p.station > 370.0) {
+            continue;
+        }
+        double const x = p.station - 170.0;
+        double const y = 370.0 - p.station;
+        double const expected = p.station <= 250.0 ? 103.4 + 0.02 * x - 0.96 * (x / 80.0) * (x / 80.0)
+                                                   : 102.6 + 0.02 * y - 0.96 * (y / 120.0) * (y / 120.0);
+        EXPECT_NEAR(p.height, expected, 1e-9) << p.station;
+        ++onCurve;
+    }
+    EXPECT_GE(onCurve, 20);  // 200 m of curve in steps of at most 10 m
 }
