@@ -474,7 +474,9 @@ PYBIND11_MODULE(_core, m)
                                    for (auto const& p : a.alignment.Profile().Points()) {
                                        char const* kind = p.curve == zelalign::VerticalCurveType::Circle     ? "circle"
                                                           : p.curve == zelalign::VerticalCurveType::Parabola ? "parabola"
-                                                                                                             : "";
+                                                          : p.curve == zelalign::VerticalCurveType::UnsymParabola
+                                                              ? "unsym_parabola"
+                                                              : "";
                                        out.append(py::make_tuple(p.station, p.height, kind, p.radius));
                                    }
                                    return out;

@@ -310,8 +310,9 @@ class Alignment:
 
     def profile(self) -> List[Tuple[float, float, str, float]]:
         """The PVIs of the vertical profile: (station, height, curve, radius) in
-        metres; curve is "circle", "parabola" or "" for none. Empty without a
-        profile."""
+        metres; curve is "circle", "parabola", "unsym_parabola" (an
+        unsymmetrical parabola, radius 0: it has two) or "" for none. Empty
+        without a profile."""
         return list(self._core.profile_points)
 
     # -- vectorised calls ---------------------------------------------------------

@@ -106,6 +106,31 @@ for feature in settings["features"]:
     check(abs(p.x - east) < 5e-5 and abs(p.y - north) < 5e-5, f"set-out point at {s}")
     check(abs(p.z - (50 + 0.02 * s)) < 5e-5, f"set-out height at {s}")
 
+# --- The GeoJSON tables state their units and carry the file's coordinate system.
+data = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data", "landxml")
+grads = json.loads(zel("point", os.path.join(data, "curve_statements_grads.xml"), "--at", "0", "--format", "geojson"))
+check(grads["coordinate_system"] == "EPSG:25832", "point: the file's coordinate system")
+check(grads["crs"] == {"type": "name", "properties": {"name": "urn:ogc:def:crs:EPSG::25832"}}, "point: crs for GIS")
+check(grads["units"] == {"length": "metre", "angle": "gon", "file_linear_unit": "meter", "file_angular_unit": "grads"},
+      "point: units")
+grads_info = json.loads(zel("info", os.path.join(data, "curve_statements_grads.xml"), "--json"))
+check(grads_info["file_angular_unit"] == "grads" and grads_info["coordinate_system"] == "EPSG:25832", "info: units")
+# Feet: the coordinates are metres (10000 US survey feet north = 10000 * 1200 / 3937 m),
+# so no crs member claims the file's system for them.
+feet = json.loads(zel("point", os.path.join(data, "us_survey_feet.xml"), "--at", str(1000 * 1200 / 3937),
+                      "--format", "geojson", "--angle-unit", "rad"))
+check("crs" not in feet and feet["coordinate_system"] == "EPSG:2263", "feet: coordinate system without crs")
+check(feet["units"]["length"] == "metre" and feet["units"]["angle"] == "rad" and
+      feet["units"]["file_linear_unit"] == "USSurveyFoot", "feet: units")
+fp = feet["features"][0]["geometry"]["coordinates"]
+check(abs(fp[0] - 20000 * 1200 / 3937) < 1e-6 and abs(fp[1] - 10000 * 1200 / 3937) < 1e-6, "feet: metres")
+stationed = json.loads(zel("station", os.path.join(data, "curve_statements_grads.xml"), points, "--format", "geojson"))
+check(stationed["crs"]["properties"]["name"] == "urn:ogc:def:crs:EPSG::25832", "station: crs")
+check(stationed["units"]["length"] == "metre", "station: units")
+plain = json.loads(zel("station", alignment, points, "--format", "geojson"))
+check("crs" not in plain and "coordinate_system" not in plain and plain["units"]["file_linear_unit"] == "meter",
+      "station: no coordinate system declared")
+
 # --- zel export: one LineString per element, chords within 1 mm of the arc.
 line = json.loads(zel("export", hand))
 check(len(line["features"]) == 2, "one feature per element")

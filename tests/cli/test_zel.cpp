@@ -389,7 +389,8 @@ TEST(ZelCliConventions, AStoppedGeoJsonTableOnStandardOutputIsStillACollection)
     Result const r = Zel("station " + path + " " + points + " --format geojson");
     EXPECT_EQ(r.status, 1);
     // The good row before the rejected one, in a collection that is closed.
-    EXPECT_EQ(r.out.rfind("{\"type\":\"FeatureCollection\",\"features\":[\n", 0), 0u) << r.out;
+    EXPECT_EQ(r.out.rfind("{\"type\":\"FeatureCollection\",\"units\":{\"length\":\"metre\",", 0), 0u) << r.out;
+    EXPECT_NE(r.out.find("},\"features\":[\n"), std::string::npos) << r.out;
     EXPECT_NE(r.out.find("\"id\":\"a\""), std::string::npos) << r.out;
     EXPECT_EQ(r.out.substr(r.out.size() - 4), "\n]}\n") << r.out;
 }

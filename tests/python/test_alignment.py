@@ -306,3 +306,17 @@ def test_displayed_station_and_cant_equal_zel_station(zel_program, tmp_path):
     assert r.displayed_station[0] == r.station[0]
     assert r.region[0] == -1
     assert np.isnan(r.applied_cant[0])
+
+
+def test_unsymmetrical_parabola_heights():
+    """The crest of unsym_parabola.xml: +2 % to the PVI at 250 (height 105),
+    -2 % after it, 80 m of curve before and 120 m after. By hand: middle
+    ordinate e = 80 * 120 * (-0.04) / 400 = -0.96; at 210 (40 m into the first
+    arc) 103.4 + 0.8 - 0.96 / 4 = 103.96, gradient 0.02 - 1.92 * 40 / 6400 =
+    0.008; at the PVI 104.04; at 310 (60 m before the end) 102.6 + 1.2 - 0.24 =
+    103.56."""
+    a = zelmath.read_landxml(SOURCE_DIR / "tests" / "data" / "landxml" / "unsym_parabola.xml")
+    assert [p[2] for p in a.profile()] == ["", "unsym_parabola", ""]
+    table = a.point_at([210.0, 250.0, 310.0])
+    np.testing.assert_allclose(table.design_height, [103.96, 104.04, 103.56], rtol=0, atol=1e-9)
+    np.testing.assert_allclose(table.gradient, [0.008, -0.004, -0.012], rtol=0, atol=1e-12)

@@ -183,7 +183,7 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
     std::optional<TableWriter> table;
     auto begin = [&] {
         if (!table) {
-            table.emplace(out, options.format, columns);
+            table.emplace(out, options.format, columns, GeoJsonMembers(alignments.Alignments()[0], options));
         }
     };
     Progress progress(run.pointsPath);

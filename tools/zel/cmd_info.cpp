@@ -25,6 +25,8 @@ char const* CurveName(zelalign::VerticalCurveType type)
         return "circle";
     case zelalign::VerticalCurveType::Parabola:
         return "parabola";
+    case zelalign::VerticalCurveType::UnsymParabola:
+        return "unsym_parabola";
     case zelalign::VerticalCurveType::None:
         break;
     }
@@ -53,7 +55,8 @@ void WriteText(Output& out, zelalign::Alignment const& a)
     // Every length is converted to metres on reading; the file's own unit and
     // coordinate system are named so that the output can be traced back.
     s += "units: metres (file: " + (a.Source().linearUnit.empty() ? std::string("meter") : a.Source().linearUnit) +
-         ")\n";
+         "), angles of the file in " +
+         (a.Source().angularUnit.empty() ? std::string("radians") : a.Source().angularUnit) + "\n";
     s += "coordinate system: " +
          (a.Source().coordinateSystem.empty() ? std::string("not declared") : a.Source().coordinateSystem) + "\n";
     s += "station equations: " + std::to_string(a.Equations().Equations().size()) +
@@ -85,7 +88,7 @@ void WriteText(Output& out, zelalign::Alignment const& a)
         zelalign::ProfilePoint const& v = p.Points()[i];
         s = std::to_string(i) + ',' + Fixed(v.station, LengthDecimals) + ',' + Fixed(v.height, LengthDecimals) + ',' +
             CurveName(v.curve) + ',' +
-            (v.curve == zelalign::VerticalCurveType::None ? std::string() : Fixed(v.radius, LengthDecimals)) + ',' +
+            (v.radius > 0.0 ? Fixed(v.radius, LengthDecimals) : std::string()) + ',' +
             Fixed(p.CurveStart(static_cast<int>(i)), LengthDecimals) + ',' +
             Fixed(p.CurveEnd(static_cast<int>(i)), LengthDecimals) + '\n';
         out.Write(s);
@@ -109,6 +112,8 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
     s += ",\n  \"element_count\": " + std::to_string(h.Size());
     s += ",\n  \"file_linear_unit\": ";
     AppendJsonString(s, a.Source().linearUnit);
+    s += ",\n  \"file_angular_unit\": ";
+    AppendJsonString(s, a.Source().angularUnit);
     s += ",\n  \"coordinate_system\": ";
     AppendJsonString(s, a.Source().coordinateSystem);
     s += ",\n  \"tunnel_metre\": {\"reference_station\": ";
@@ -160,7 +165,7 @@ void WriteJson(Output& out, zelalign::Alignment const& a)
         s += ", \"curve\": ";
         AppendJsonString(s, CurveName(v.curve));
         s += ", \"radius\": ";
-        if (v.curve == zelalign::VerticalCurveType::None) {
+        if (!(v.radius > 0.0)) {  // no curve, or an unsymmetrical parabola (two radii)
             s += "null";
         } else {
             AppendJsonNumber(s, v.radius);

@@ -138,7 +138,7 @@ Command AddPointCommand(CLI::App& app)
         if (withCant) {
             columns.emplace_back("applied_cant");  // metres
         }
-        TableWriter table(out, o->output.format, columns);
+        TableWriter table(out, o->output.format, columns, GeoJsonMembers(a, o->output));
         for (zelalign::SetOutPoint const& p : points) {
             WriteStationCells(table, a, !a.Equations().Empty(), o->output, p.station, p.displayedStation, p.region);
             table.Integer(p.element)

@@ -31,6 +31,37 @@ CLI::Validator const Finite(
 
 }  // namespace
 
+std::string GeoJsonMembers(zelalign::Alignment const& a, OutputOptions const& options)
+{
+    zelalign::AlignmentSource const& source = a.Source();
+    std::string s;
+    // The coordinates are written in metres: a GIS may take them in the
+    // declared system only where the file's own unit is the metre too.
+    bool const metric = source.linearUnit.empty() || source.linearUnit == "meter" || source.linearUnit == "metre";
+    if (!source.coordinateSystem.empty()) {
+        s += "\"coordinate_system\":";
+        AppendJsonString(s, source.coordinateSystem);
+        s += ',';
+    }
+    if (!source.coordinateSystem.empty() && metric) {
+        std::string const epsg = "EPSG:";
+        std::string const name = source.coordinateSystem.compare(0, epsg.size(), epsg) == 0
+                                     ? "urn:ogc:def:crs:EPSG::" + source.coordinateSystem.substr(epsg.size())
+                                     : source.coordinateSystem;
+        s += "\"crs\":{\"type\":\"name\",\"properties\":{\"name\":";
+        AppendJsonString(s, name);
+        s += "}},";
+    }
+    s += "\"units\":{\"length\":\"metre\",\"angle\":";
+    AppendJsonString(s, AngleUnitName(options.angleUnit));
+    s += ",\"file_linear_unit\":";
+    AppendJsonString(s, source.linearUnit.empty() ? std::string("meter") : source.linearUnit);
+    s += ",\"file_angular_unit\":";
+    AppendJsonString(s, source.angularUnit.empty() ? std::string("radians") : source.angularUnit);
+    s += "},";
+    return s;
+}
+
 CLI::Validator const& FiniteNumber()
 {
     return Finite;

@@ -54,6 +54,17 @@ std::vector<std::string> StationColumnNames(bool withEquations);
 void WriteStationCells(TableWriter& table, zelalign::Alignment const& a, bool withEquations,
                        OutputOptions const& options, double station, double displayed, int region);
 
+// The top-level members of a GeoJSON table of points computed on an
+// alignment: "coordinate_system", the system its file declares as the file
+// names it ("EPSG:25832"); "crs", the same for GIS software
+// ("urn:ogc:def:crs:EPSG::25832"), only where the file's linear unit is the
+// metre, since the coordinates are written in metres; and "units": the units
+// of the table (lengths, stations, heights and coordinates in metres whatever
+// the file's unit; azimuths in the chosen angle unit) and the file's own
+// units. Members the file gives nothing for are left out. Each member ends in
+// a comma.
+std::string GeoJsonMembers(zelalign::Alignment const& a, OutputOptions const& options);
+
 // Reads the alignment and prints its reader's warnings to standard error.
 // Throws Failure with the exit code that fits the problem.
 zelalign::Alignment LoadAlignment(AlignmentOptions const& options);

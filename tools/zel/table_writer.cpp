@@ -63,7 +63,8 @@ void AppendCsvText(std::string& out, std::string_view text, char separator)
 
 }  // namespace
 
-TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::string> columns)
+TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::string> columns,
+                         std::string const& collectionMembers)
     : m_out(out), m_format(format), m_columns(std::move(columns))
 {
     m_row.reserve(1024);
@@ -74,7 +75,7 @@ TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::strin
             key += ':';
             m_keys.push_back(key);
         }
-        m_out.Write("{\"type\":\"FeatureCollection\",\"features\":[\n");
+        m_out.Write("{\"type\":\"FeatureCollection\"," + collectionMembers + "\"features\":[\n");
         return;
     }
     char const separator = m_format == TableFormat::Tsv ? '\t' : ',';

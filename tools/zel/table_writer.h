@@ -21,7 +21,11 @@ enum class TableFormat { Csv, Tsv, GeoJson };
 class TableWriter {
 public:
     // Writes the header (CSV, TSV) or the opening of the collection (GeoJSON).
-    TableWriter(Output& out, TableFormat format, std::vector<std::string> columns);
+    // collectionMembers: top-level members of the GeoJSON collection, written
+    // before its features as given ("\"crs\":{...},\"units\":{...},", each
+    // followed by a comma); ignored by CSV and TSV.
+    TableWriter(Output& out, TableFormat format, std::vector<std::string> columns,
+                std::string const& collectionMembers = std::string());
 
     // Cells of the current row, in column order.
     TableWriter& Text(std::string_view value);

@@ -35,6 +35,26 @@ TunnelMetreMap MakeTunnelMap(HorizontalAlignment const& horizontal, VerticalProf
     return TunnelMetreMap(profile, station, tunnelMetre, reference.sameDirection);
 }
 
+// A profile that stops short of an end of the plan by no more than the
+// position limit (the rounding of a profile end written apart from the plan)
+// continues its end grade to that end, so that the plan has design heights
+// throughout; one that stops shorter gives no heights there (Validate warns of
+// both).
+VerticalProfile ReachingPlanEnds(VerticalProfile profile, HorizontalAlignment const& horizontal,
+                                 Tolerances const& tolerances)
+{
+    if (profile.Empty() || horizontal.Empty()) {
+        return profile;
+    }
+    double const before = profile.StartStation() - horizontal.StartStation();
+    double const after = horizontal.EndStation() - profile.EndStation();
+    auto reach = [&tolerances](double shortfall) {
+        return shortfall > 0.0 && shortfall <= tolerances.positionLimit ? shortfall : 0.0;
+    };
+    profile.ContinueEndGrades(reach(before), reach(after));
+    return profile;
+}
+
 // Where a finding lies: "file:line: <Tag> (type)" from the source, or the
 // element index for an alignment built in code.
 std::string Place(AlignmentSource const& source, HorizontalAlignment const& horizontal, Finding const& f)
@@ -85,7 +105,7 @@ Alignment::Alignment(std::string name, HorizontalAlignment horizontal, VerticalP
                      CantProfile cant)
     : m_name(std::move(name)),
       m_horizontal(std::move(horizontal)),
-      m_profile(std::move(profile)),
+      m_profile(ReachingPlanEnds(std::move(profile), m_horizontal, source.tolerances)),
       m_reference(reference),
       m_tunnel(MakeTunnelMap(m_horizontal, m_profile, m_reference)),
       m_source(Checked(std::move(source), m_horizontal, m_profile)),

@@ -245,6 +245,12 @@ ProfileDiagram MakeProfileDiagram(VerticalProfile const& profile, double maxStep
         for (int k = 0; k <= n; ++k) {
             diagram.samples.push_back(height(StepStation(stretch.startStation, stretch.endStation, k, n)));
         }
+        if (!diagram.curves.empty() && diagram.curves.back().pvi == stretch.pvi) {
+            // The second arc of an unsymmetrical parabola: one curve with the first.
+            diagram.curves.back().endStation = stretch.endStation;
+            diagram.curves.back().endHeight = height(stretch.endStation).height;
+            continue;
+        }
         ProfilePoint const& pvi = profile.Points()[static_cast<std::size_t>(stretch.pvi)];
         VerticalCurveExtent curve;
         curve.pvi = stretch.pvi;

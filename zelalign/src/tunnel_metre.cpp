@@ -18,7 +18,6 @@ public:
     Source() = default;
     explicit Source(VerticalProfile const& profile)
     {
-        auto const& pvis = profile.Points();
         for (ProfileStretch const& s : profile.Stretches()) {
             CStngMap2D3DElement e;
             e.StngStart = CALength(s.startStation);
@@ -27,12 +26,13 @@ public:
             e.Curved = s.pvi >= 0;
             CStngMapCurved3DDef curve;
             if (e.Curved) {
-                std::size_t const i = static_cast<std::size_t>(s.pvi);
-                curve.PI1 = CACoordinate(pvis[i - 1].station, pvis[i - 1].height);
-                curve.PI2 = CACoordinate(pvis[i].station, pvis[i].height);
-                curve.PI3 = CACoordinate(pvis[i + 1].station, pvis[i + 1].height);
-                curve.Radius = CALength(pvis[i].radius);
-                curve.IsParabola = pvis[i].curve == VerticalCurveType::Parabola;
+                // Each curved stretch is one symmetrical curve (an unsymmetrical
+                // parabola is two of them).
+                curve.PI1 = CACoordinate(s.arc.before.station, s.arc.before.height);
+                curve.PI2 = CACoordinate(s.arc.vertex.station, s.arc.vertex.height);
+                curve.PI3 = CACoordinate(s.arc.after.station, s.arc.after.height);
+                curve.Radius = CALength(s.arc.radius);
+                curve.IsParabola = s.arc.parabola;
             }
             m_elements.push_back(e);
             m_curves.push_back(curve);

@@ -48,6 +48,24 @@ Severity Classify(double size, double tolerance, double limit)
     return size <= limit ? Severity::Warning : Severity::Refused;
 }
 
+Finding CheckStated(StatedMeasure measure, double difference, Tolerances const& t)
+{
+    Finding f;
+    f.kind = FindingKind::StatedValue;
+    f.size = std::fabs(difference);
+    char buffer[160];
+    if (measure == StatedMeasure::Angle) {
+        f.severity = Classify(f.size, t.angle, t.angleLimit);
+        std::snprintf(buffer, sizeof buffer, "differs by %.3f mrad (tolerance %.3f mrad, limit %.3f mrad)",
+                      f.size * 1000.0, t.angle * 1000.0, t.angleLimit * 1000.0);
+        f.message = buffer;
+    } else {
+        f.severity = Classify(f.size, t.position, t.positionLimit);
+        f.message = "differs by " + Size(f.size) + LimitText(t);
+    }
+    return f;
+}
+
 std::vector<Finding> Validate(HorizontalAlignment const& horizontal, VerticalProfile const& profile,
                               Tolerances const& t, std::vector<double> const& statedStarts)
 {
@@ -213,15 +231,26 @@ std::vector<Finding> Validate(HorizontalAlignment const& horizontal, VerticalPro
         double const prof = atStart ? profile.StartStation() : profile.EndStation();
         double const miss = std::fabs(plan - prof);
         if (miss > t.position) {
+            bool const inside = atStart == (prof > plan);
             Finding f;
             f.kind = FindingKind::ProfileExtent;
             f.severity = Severity::Warning;
             f.station = prof;
             f.size = miss;
             f.message = std::string("the profile ") + (atStart ? "starts at station " : "ends at station ") +
-                        Metres(prof) + ", " + Size(miss) + (atStart == (prof > plan) ? " inside" : " outside") +
-                        " the plan's " + (atStart ? "start " : "end ") + Metres(plan) +
-                        "; design heights are given only where the profile reaches";
+                        Metres(prof) + ", " + Size(miss) + (inside ? " inside" : " outside") + " the plan's " +
+                        (atStart ? "start " : "end ") + Metres(plan) + LimitText(t);
+            if (!inside) {
+                f.message += "; the profile beyond the plan is not used";
+            } else if (miss <= t.positionLimit) {
+                // Alignment continues the end grade over the shortfall.
+                f.message += std::string("; heights from ") + Metres(atStart ? plan : prof) + " to " +
+                             Metres(atStart ? prof : plan) + " continue the profile's " +
+                             (atStart ? "first" : "last") + " grade";
+            } else {
+                f.message += std::string("; no design heights ") + (atStart ? "before station " : "beyond station ") +
+                             Metres(prof);
+            }
             add(f);
         }
     }

@@ -457,8 +457,10 @@ Figure ProfileFigure(zelalign::ProfileDiagram const& profile, StationAxis const&
                 curve.emplace_back(axis.X(s.station), heights.Y(s.height));
             }
         }
-        std::string const what = std::string(c.type == zelalign::VerticalCurveType::Circle ? "circle" : "parabola") +
-                                 " R " + Fixed(c.radius, 0) + " m";
+        std::string const what = c.type == zelalign::VerticalCurveType::UnsymParabola
+                                     ? std::string("unsymmetrical parabola")
+                                     : std::string(c.type == zelalign::VerticalCurveType::Circle ? "circle" : "parabola") +
+                                           " R " + Fixed(c.radius, 0) + " m";
         svg.Polyline(curve, VerticalCurveColour, DataLineWidth * 2.0, true, "class=\"vertical-curve\"",
                      what + ", " + StationLabel(c.startStation) + " to " + StationLabel(c.endStation));
         for (double s : {c.startStation, c.endStation}) {

@@ -55,6 +55,11 @@ struct AlignmentSource {
     // The file's length unit ("meter", "foot", "USSurveyFoot", ...); every
     // value of the alignment is converted to metres. Empty when built in code.
     std::string linearUnit;
+    // The file's units of angles and of directions as <Units> names them
+    // ("radians", "grads", "decimal degrees", "decimal dd.mm.ss"); every angle
+    // the reader uses is converted to radians. Empty when built in code.
+    std::string angularUnit;
+    std::string directionUnit;
     // The coordinate system the file declares ("EPSG:25832", or its name); empty if none.
     std::string coordinateSystem;
     std::vector<std::string> warnings;  // "file:line: <Element>: message"

@@ -38,8 +38,16 @@ struct Tolerances {
     double positionLimit = 0.05;
     // A change of direction (radians) at a joint beyond this is reported as a
     // kink: 1 mrad is 1 mm across over 1 m, the direction error of a 1 m chord
-    // whose ends are rounded to the millimetre.
+    // whose ends are rounded to the millimetre. An angle a file states beside
+    // the geometry (a curve's delta) may differ from the geometry's by this
+    // much silently: far more than the rounding of any angular unit (a second
+    // of arc is 0.005 mrad).
     double angle = 0.001;
+    // A stated angle that differs from the geometry's by more than this
+    // (radians) refuses the element: 10 mrad (0.64 gon) is no rounding but
+    // another curve or a misread unit (a delta in degrees read as grads is 10 %
+    // off, 157 mrad on a right angle).
+    double angleLimit = 0.01;
     // An element's stated start station may differ from the station along the
     // alignment (its start station plus the lengths before it) by this much
     // (metres) before a warning; element stations are never used to cut the
@@ -67,8 +75,11 @@ enum class FindingKind {
     Kink,               // the direction changes at a joint
     StationDiscrepancy, // an element's stated start station differs from the station along the alignment
     ProfileOverlap,     // a vertical curve starts before the previous one ends
-    ProfileExtent,      // the profile starts or ends away from the plan's ends
-    OutOfRange          // a parameter outside the range where the element's formulas hold
+    ProfileExtent,      // the profile starts or ends away from the plan's ends: always a warning; a
+                        // profile short of a plan's end by no more than positionLimit has its end
+                        // grade continued to it (Alignment), one shorter gives no heights there
+    OutOfRange,         // a parameter outside the range where the element's formulas hold
+    StatedValue         // a value stated beside the geometry (a curve's PI, delta, chord, ...) disagrees with it
 };
 
 enum class Severity { Closed, Warning, Refused };
@@ -86,6 +97,20 @@ struct Finding {
 // Sorts a size with a tolerance and a limit (see the table above). A NaN size
 // is refused.
 ZELALIGN_EXPORT Severity Classify(double size, double tolerance, double limit);
+
+// What a value stated beside the geometry is: a length or position (metres,
+// sorted with position and positionLimit) or an angle (radians, sorted with
+// angle and angleLimit).
+enum class StatedMeasure { Length, Angle };
+
+// Compares a value a file states beside the geometry (a curve's PI, turn
+// angle, chord, tangent length, external distance, middle ordinate) with the
+// value the geometry gives. `difference` is the size of the disagreement
+// (metres, or radians for an angle; its magnitude counts). Returns a finding
+// of kind StatedValue with its severity and size, and as message
+// "differs by 12.0 mm (tolerance 1.0 mm, limit 50.0 mm)" (angles in mrad);
+// the caller puts what and where before it.
+ZELALIGN_EXPORT Finding CheckStated(StatedMeasure measure, double difference, Tolerances const& tolerances);
 
 // Runs every check on an alignment's plan and profile (the profile may be
 // empty). statedStarts, when not empty, holds one start station per element as

@@ -41,6 +41,20 @@ constexpr LinearUnit LinearUnits[] = {{"meter", 1.0},           {"metre", 1.0},
                                       {"kilometer", 1000.0},    {"foot", 0.3048},
                                       {"USSurveyFoot", 1200.0 / 3937.0}, {"inch", 0.0254}};
 
+// Angular units of <Units> (angularUnit for angles such as a curve's delta,
+// directionUnit for directions). "decimal dd.mm.ss" writes 45°30'25.5" as
+// 45.30255: two digits of minutes, two of seconds, then decimals of a second.
+enum class AngleUnit { Radians, Grads, DecimalDegrees, DegreesMinutesSeconds };
+struct AngularUnit {
+    char const* name;
+    AngleUnit unit;
+};
+constexpr AngularUnit AngularUnits[] = {{"radians", AngleUnit::Radians},
+                                        {"grads", AngleUnit::Grads},
+                                        {"decimal degrees", AngleUnit::DecimalDegrees},
+                                        {"decimal dd.mm.ss", AngleUnit::DegreesMinutesSeconds}};
+constexpr double Pi = 3.14159265358979323846;
+
 // A Curve's length attribute may differ from the length its points give by
 // this much (metres) before a warning is issued.
 constexpr double CurveLengthTolerance = 0.001;
@@ -193,6 +207,79 @@ private:
         return m_scale * Number(node, (std::string("attribute '") + attribute + "'").c_str(), a.value(), allowInfinite);
     }
 
+    // An angle attribute in the file's angular unit, converted to radians.
+    double AngleAttribute(pugi::xml_node node, char const* attribute) const
+    {
+        pugi::xml_attribute a = node.attribute(attribute);
+        if (a.empty()) {
+            Fail(node, std::string("attribute '") + attribute + "' is missing");
+        }
+        return ToRadians(node, std::string("attribute '") + attribute + "'", a.value(), m_angleUnit);
+    }
+
+    // The one conversion of an angle written in a unit of <Units> to radians.
+    // Degrees, minutes and seconds are taken from the digits as written, so
+    // that 45.3025 is exactly 45°30'25"; minutes or seconds of 60 or more are
+    // refused.
+    double ToRadians(pugi::xml_node node, std::string const& what, char const* text, AngleUnit unit) const
+    {
+        double const v = Number(node, what.c_str(), text, false);
+        switch (unit) {
+        case AngleUnit::Radians:
+            return v;
+        case AngleUnit::Grads:
+            return v * (Pi / 200.0);
+        case AngleUnit::DecimalDegrees:
+            return v * (Pi / 180.0);
+        case AngleUnit::DegreesMinutesSeconds:
+            break;
+        }
+        std::string s(text);
+        s.erase(0, s.find_first_not_of(" \t\r\n"));
+        s.erase(s.find_last_not_of(" \t\r\n") + 1);
+        double sign = 1.0;
+        std::size_t k = 0;
+        if (k < s.size() && (s[k] == '-' || s[k] == '+')) {
+            sign = s[k] == '-' ? -1.0 : 1.0;
+            ++k;
+        }
+        std::size_t const dot = s.find('.', k);
+        std::string const degrees = s.substr(k, dot == std::string::npos ? std::string::npos : dot - k);
+        std::string digits = dot == std::string::npos ? std::string() : s.substr(dot + 1);
+        auto allDigits = [](std::string const& t) {
+            return t.find_first_not_of("0123456789") == std::string::npos;
+        };
+        if ((degrees.empty() && digits.empty()) || !allDigits(degrees) || !allDigits(digits)) {
+            Fail(node, what + " is not an angle in degrees, minutes and seconds (dd.mmss): '" + s + "'");
+        }
+        digits.resize(std::max<std::size_t>(digits.size(), 4), '0');
+        double const minutes = std::atof(digits.substr(0, 2).c_str());
+        double const seconds = std::atof((digits.substr(2, 2) + "." + digits.substr(4)).c_str());
+        if (minutes >= 60.0 || seconds >= 60.0) {
+            Fail(node, what + " '" + s + "' has minutes or seconds of 60 or more (dd.mmss)");
+        }
+        double const deg = degrees.empty() ? 0.0 : std::atof(degrees.c_str());
+        return sign * (deg + minutes / 60.0 + seconds / 3600.0) * (Pi / 180.0);
+    }
+
+    // Sorts the difference between a value the file states beside the
+    // geometry and the value the geometry gives: silent, a warning, or a
+    // refusal "what stated differs by ... (tolerance, limit)".
+    void CheckStatedValue(pugi::xml_node node, StatedMeasure measure, double difference, std::string const& what)
+    {
+        Finding const f = CheckStated(measure, difference, m_tolerances);
+        if (f.severity == Severity::Closed) {
+            return;
+        }
+        std::string const message = what + " " + f.message;
+        if (f.severity == Severity::Refused) {
+            Fail(node, message);
+        }
+        Warn(node, message);
+    }
+    void CheckCurveStatements(pugi::xml_node node, CACoordinate start, CACoordinate end, double radius,
+                              double length, bool cw);
+
     // From least to most numbers of a node's text ("northing easting
     // [elevation]" or "station height"); more or fewer is an error.
     std::vector<double> Numbers(pugi::xml_node node, std::size_t least, std::size_t most, char const* form) const
@@ -255,6 +342,7 @@ private:
     std::vector<std::string> m_warnings;
     Tolerances m_tolerances;
     double m_scale = 1.0;  // metres per length unit of the file
+    AngleUnit m_angleUnit = AngleUnit::Radians;  // of angles (a curve's delta)
 };
 
 HorizontalElement Reader::ReadLine(pugi::xml_node node, double station)
@@ -342,7 +430,69 @@ HorizontalElement Reader::ReadCurve(pugi::xml_node node, double station)
         double const chord = (end - start).Length().Double();
         length = 2.0 * radius * std::asin(std::min(1.0, chord / (2.0 * radius)));
     }
+    CheckCurveStatements(node, start, end, radius, length, cw);
     return HorizontalElement::Arc(station, length, start, end, cw ? radius : -radius);
+}
+
+// What a <Curve> states beside its points, radius and length, checked against
+// the arc they make: with the turn D = length / radius,
+//   delta     D (in the file's angular unit; its sign is ignored)
+//   chord     the distance between <Start> and <End>
+//   tangent   R tan(D/2), the distance from either end to the PI
+//   external  R (1 / cos(D/2) - 1), from the PI to the middle of the arc
+//   midOrd    R (1 - cos(D/2)), from the middle of the chord to the arc
+//   <PI>      the intersection of the tangents at the two ends: from the start
+//             along the start tangent (the chord's direction turned back by
+//             D/2) by the tangent length
+// The tangents of an arc of half a circle or more do not meet in front of it,
+// so tangent, external and <PI> are checked only for D < pi.
+void Reader::CheckCurveStatements(pugi::xml_node node, CACoordinate start, CACoordinate end, double radius,
+                                  double length, bool cw)
+{
+    double const turn = length / radius;
+    double const half = turn / 2.0;
+    auto metres = [](double v) {
+        char buffer[48];
+        std::snprintf(buffer, sizeof buffer, "%.4f m", v);
+        return std::string(buffer);
+    };
+    auto lengthCheck = [&](char const* attribute, double expected, char const* meaning) {
+        if (!Has(node, attribute)) {
+            return;
+        }
+        double const stated = Attribute(node, attribute);
+        CheckStatedValue(node, StatedMeasure::Length, stated - expected,
+                         std::string(attribute) + " " + metres(stated) + ", " + meaning + " " + metres(expected) +
+                             ":");
+    };
+    if (Has(node, "delta")) {
+        double const stated = std::fabs(AngleAttribute(node, "delta"));
+        char buffer[200];
+        std::snprintf(buffer, sizeof buffer, "delta %s (%.6f rad), the arc's turn length / radius %.6f rad:",
+                      node.attribute("delta").value(), stated, turn);
+        CheckStatedValue(node, StatedMeasure::Angle, stated - turn, buffer);
+    }
+    lengthCheck("chord", (end - start).Length().Double(), "the distance between <Start> and <End>");
+    lengthCheck("midOrd", radius * (1.0 - std::cos(half)), "the arc's middle ordinate R (1 - cos(D/2))");
+    if (!(turn < Pi)) {
+        return;
+    }
+    lengthCheck("tangent", radius * std::tan(half), "the arc's tangent length R tan(D/2)");
+    lengthCheck("external", radius * (1.0 / std::cos(half) - 1.0), "the arc's external distance R (sec(D/2) - 1)");
+    if (Child(node, "PI")) {
+        CACoordinate const pi = Point(node, "PI");
+        double const chordAzimuth = (end - start).Azimuth().Double();
+        double const a = cw ? chordAzimuth - half : chordAzimuth + half;
+        double const t = radius * std::tan(half);
+        double const east = start.East().Double() + t * std::sin(a);
+        double const north = start.North().Double() + t * std::cos(a);
+        double const miss = std::hypot(pi.East().Double() - east, pi.North().Double() - north);
+        char buffer[200];
+        std::snprintf(buffer, sizeof buffer,
+                      "<PI> %.4f %.4f (northing easting), the intersection of the end tangents %.4f %.4f:",
+                      pi.North().Double(), pi.East().Double(), north, east);
+        CheckStatedValue(node, StatedMeasure::Length, miss, buffer);
+    }
 }
 
 HorizontalElement Reader::ReadSpiral(pugi::xml_node node, double station)
@@ -446,8 +596,18 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign, AlignmentSource* s
         } else if (kind == "ParaCurve") {
             r.point.curve = VerticalCurveType::Parabola;
             r.length = Attribute(c, "length");
+        } else if (kind == "UnsymParaCurve") {
+            // Its text is the PVI; lengthIn and lengthOut the horizontal
+            // extent of the curve before and after it.
+            r.point.curve = VerticalCurveType::UnsymParabola;
+            r.point.lengthIn = Attribute(c, "lengthIn");
+            r.point.lengthOut = Attribute(c, "lengthOut");
+            if (!(r.point.lengthIn > 0.0) || !(r.point.lengthOut > 0.0)) {
+                Fail(c, "lengthIn and lengthOut must be positive");
+            }
         } else {
-            Fail(c, "profile element '" + kind + "' is not supported (supported: PVI, CircCurve, ParaCurve)");
+            Fail(c, "profile element '" + kind +
+                        "' is not supported (supported: PVI, CircCurve, ParaCurve, UnsymParaCurve)");
         }
         raw.push_back(r);
     }
@@ -459,7 +619,11 @@ VerticalProfile Reader::ReadProfile(pugi::xml_node profAlign, AlignmentSource* s
         if (i > 0 && !(r.point.station > raw[i - 1].point.station)) {
             Fail(r.node, "stations must increase along the profile");
         }
-        if (r.point.curve == VerticalCurveType::None || r.point.radius > 0.0) {
+        if (r.point.curve != VerticalCurveType::None && (i == 0 || i + 1 == raw.size())) {
+            Fail(r.node, "the first and the last point of a profile cannot carry a vertical curve");
+        }
+        if (r.point.curve == VerticalCurveType::None || r.point.curve == VerticalCurveType::UnsymParabola ||
+            r.point.radius > 0.0) {
             continue;
         }
         if (i == 0 || i + 1 == raw.size()) {
@@ -606,33 +770,58 @@ CantProfile Reader::ReadCant(pugi::xml_node alignment)
 }
 
 // <Units>: the linear unit of <Metric> or <Imperial> scales every length the
-// file writes (coordinates, stations, lengths, radii, cant) to metres. Angles
-// need no conversion: directions come from the coordinates. The file's unit and
-// its <CoordinateSystem> are kept in the source for the output's metadata.
+// file writes (coordinates, stations, lengths, radii, cant) to metres; the
+// angular unit converts every angle the reader uses (a curve's delta) to
+// radians. Directions (dir) follow different conventions between producers and
+// are never used, but their unit must be one LandXML knows. An unknown unit is
+// refused with the supported list. The units and the <CoordinateSystem> are
+// kept in the source for the output's metadata.
 void Reader::ReadUnits(pugi::xml_node root, AlignmentSource* source)
 {
     source->linearUnit = "meter";
+    source->angularUnit = "radians";
+    source->directionUnit = "radians";
+    auto angular = [this](pugi::xml_node system, char const* attribute, std::string* name) {
+        pugi::xml_attribute a = system.attribute(attribute);
+        if (a.empty()) {
+            return AngleUnit::Radians;
+        }
+        std::string list;
+        for (AngularUnit const& u : AngularUnits) {
+            if (a.value() == std::string(u.name)) {
+                *name = u.name;
+                return u.unit;
+            }
+            list += list.empty() ? u.name : std::string(", ") + u.name;
+        }
+        Fail(system, std::string(attribute) + " '" + a.value() + "' is not supported (supported: " + list + ")");
+    };
     if (pugi::xml_node units = Child(root, "Units")) {
         for (pugi::xml_node system = units.first_child(); system; system = system.next_sibling()) {
-            if (system.type() != pugi::node_element || system.attribute("linearUnit").empty()) {
+            if (system.type() != pugi::node_element ||
+                (std::strcmp(LocalName(system), "Metric") != 0 && std::strcmp(LocalName(system), "Imperial") != 0)) {
                 continue;
             }
-            std::string const name = system.attribute("linearUnit").value();
-            bool known = false;
-            for (LinearUnit const& u : LinearUnits) {
-                if (name == u.name) {
-                    m_scale = u.metres;
-                    known = true;
-                }
-            }
-            if (!known) {
-                std::string list;
+            if (!system.attribute("linearUnit").empty()) {
+                std::string const name = system.attribute("linearUnit").value();
+                bool known = false;
                 for (LinearUnit const& u : LinearUnits) {
-                    list += list.empty() ? u.name : std::string(", ") + u.name;
+                    if (name == u.name) {
+                        m_scale = u.metres;
+                        known = true;
+                    }
                 }
-                Fail(system, "linear unit '" + name + "' is not supported (supported: " + list + ")");
+                if (!known) {
+                    std::string list;
+                    for (LinearUnit const& u : LinearUnits) {
+                        list += list.empty() ? u.name : std::string(", ") + u.name;
+                    }
+                    Fail(system, "linear unit '" + name + "' is not supported (supported: " + list + ")");
+                }
+                source->linearUnit = name;
             }
-            source->linearUnit = name;
+            m_angleUnit = angular(system, "angularUnit", &source->angularUnit);
+            angular(system, "directionUnit", &source->directionUnit);
             break;
         }
     }

@@ -1,6 +1,10 @@
 // Import of an alignment from LandXML 1.2: the horizontal geometry of
 // Alignments/Alignment/CoordGeom (Line, Curve, Spiral) and the vertical profile
-// of Profile/ProfAlign (PVI, CircCurve, ParaCurve).
+// of Profile/ProfAlign (PVI, CircCurve, ParaCurve, UnsymParaCurve). Lengths are
+// converted to metres by the linearUnit of <Units>, angles (a Curve's delta) to
+// radians by its angularUnit (radians, grads, decimal degrees, decimal
+// dd.mm.ss); what a Curve states beside its points (PI, delta, chord, tangent,
+// external, midOrd) is checked against its arc with the Tolerances.
 //
 // Points are read "northing easting [elevation]". Directions are derived from
 // the coordinates; the bending sense comes from rot (cw bends right, a positive
