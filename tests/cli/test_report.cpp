@@ -209,10 +209,10 @@ TEST_F(ZelReport, AsBuiltSurveyOfTheSampleFlagsTheDeformedStretch)
         ++k;
     }
     ASSERT_EQ(deformed, 21);
-    std::string const points = Temp("as_built.csv");
-    Write(points, survey.str());
+    std::string const asBuilt = Temp("as_built.csv");
+    Write(asBuilt, survey.str());
     std::string const html = Temp("as_built.html");
-    Result const r = Zel("report " + Sample + "alignment.xml " + points + " --tolerance 0.02 -o " + html);
+    Result const r = Zel("report " + Sample + "alignment.xml " + asBuilt + " --tolerance 0.02 -o " + html);
     ASSERT_EQ(r.status, 0) << r.err;
     std::string const page = Read(html);
     std::string const table = OutsideTable(page);

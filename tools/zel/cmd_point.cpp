@@ -129,9 +129,9 @@ Command AddPointCommand(CLI::App& app)
         Output out(o->output.path, {o->alignment.path});
         std::string const angleColumn = std::string("azimuth_") + AngleUnitName(o->output.angleUnit);
         std::vector<std::string> columns = StationColumnNames(!a.Equations().Empty());
-        for (char const* c : {"element", "type", "east", "north", "azimuth", "radius", "design_height",
-                              "gradient_percent", "tunnel_metre"}) {
-            columns.emplace_back(c);
+        for (char const* name : {"element", "type", "east", "north", "azimuth", "radius", "design_height",
+                                 "gradient_percent", "tunnel_metre"}) {
+            columns.emplace_back(name);
         }
         columns[columns.size() - 5] = angleColumn;
         bool const withCant = !a.Cant().Empty();

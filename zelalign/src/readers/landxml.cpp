@@ -379,9 +379,7 @@ HorizontalElement Reader::ReadCurve(pugi::xml_node node, double station)
         if (radius >= m_tolerances.straightRadius) {
             Warn(node, "a radius of " + std::string(node.attribute("radius").value()) +
                            " is a straight; the curve is read as a line");
-            double const chord = (end - start).Length().Double();
-            double const length = Has(node, "length") ? Attribute(node, "length") : chord;
-            return HorizontalElement::Line(station, length, start, end);
+            return ReadLine(node, station);
         }
     }
     if (centreNode) {
