@@ -45,10 +45,77 @@ double AngleIn(double radians, AngleUnit unit)
     return radians;
 }
 
+namespace {
+
+// Powers of ten that are exact doubles (10^22 is the largest).
+constexpr double ExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                       1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int MostQuickDecimals = 17;
+// Largest scaled value (v * 10^decimals) written by the quick path: far enough
+// below 2^53 that the scaled value's rounding error stays a small fraction of
+// a unit and the rounded integer fits a 64-bit integer with room to spare.
+constexpr double LargestQuickScaled = 1125899906842624.0;  // 2^50
+// How close to half a unit the scaled value's fraction may come before the
+// quick path hands the value to std::to_chars: the fraction is known to a few
+// units of 2^-53 of the scaled value, far inside this margin, so a value the
+// quick path keeps is rounded to the same last digit as the exact decimal
+// expansion would be; values nearer a tie (0.03125 to 4 decimals is one
+// exactly) go the slow way.
+constexpr double TieMargin = 1.0 / (1 << 20);
+
+// v with `decimals` digits after the point, rounded to nearest as std::to_chars
+// does it, by integer arithmetic on v * 10^decimals; false when the value is
+// too large or too close to a tie to decide here (then nothing is written).
+bool AppendFixedQuick(std::string& out, double v, int decimals)
+{
+    if (decimals < 0 || decimals > MostQuickDecimals) {
+        return false;
+    }
+    double const scale = ExactPowersOfTen[decimals];
+    double const scaled = v * scale;
+    if (!(std::fabs(scaled) < LargestQuickScaled)) {
+        return false;
+    }
+    // v * scale = scaled + error exactly (the product's rounding error is a
+    // double), and scaled - rounded is exact: both are multiples of scaled's
+    // last place and at most half a unit apart.
+    double const error = std::fma(v, scale, -scaled);
+    double const rounded = std::nearbyint(scaled);
+    double const fraction = (scaled - rounded) + error;
+    if (!(std::fabs(fraction) < 0.5 - TieMargin)) {
+        return false;
+    }
+    bool const negative = rounded < 0.0;
+    auto units = static_cast<unsigned long long>(negative ? -rounded : rounded);
+    // Digits from the last; at least one digit before the point.
+    char buf[40];
+    char* p = buf + sizeof buf;
+    int digit = 0;
+    do {
+        if (digit == decimals && decimals > 0) {
+            *--p = '.';
+        }
+        *--p = static_cast<char>('0' + units % 10);
+        units /= 10;
+        ++digit;
+    } while (units != 0 || digit <= decimals);
+    // A negative value that rounds to zero is written as zero (no "-0.0000").
+    if (negative) {
+        *--p = '-';
+    }
+    out.append(p, static_cast<std::size_t>(buf + sizeof buf - p));
+    return true;
+}
+
+}  // namespace
+
 bool AppendFixed(std::string& out, double v, int decimals)
 {
     if (!std::isfinite(v)) {
         return false;
+    }
+    if (std::fabs(v) < LargestFixedValue && AppendFixedQuick(out, v, decimals)) {
+        return true;
     }
     char buf[64];
     std::to_chars_result r{};
