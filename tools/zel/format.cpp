@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 namespace zel {
 
@@ -51,6 +52,11 @@ namespace {
 constexpr double ExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                        1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int MostQuickDecimals = 17;
+// "00" to "99", for writing two digits a step.
+constexpr char DigitPairs[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+    "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+    "8081828384858687888990919293949596979899";
 // Largest scaled value (v * 10^decimals) written by the quick path: far enough
 // below 2^53 that the scaled value's rounding error stays a small fraction of
 // a unit and the rounded integer fits a 64-bit integer with room to spare.
@@ -86,19 +92,37 @@ bool AppendFixedQuick(std::string& out, double v, int decimals)
         return false;
     }
     bool const negative = rounded < 0.0;
-    auto units = static_cast<unsigned long long>(negative ? -rounded : rounded);
-    // Digits from the last; at least one digit before the point.
+    auto const units = static_cast<unsigned long long>(negative ? -rounded : rounded);
+    auto const unitsPerWhole = static_cast<unsigned long long>(scale);
+    // Digits from the last: the decimals, the point, the whole part (at least
+    // one digit), two digits a step.
     char buf[40];
     char* p = buf + sizeof buf;
-    int digit = 0;
-    do {
-        if (digit == decimals && decimals > 0) {
-            *--p = '.';
+    if (decimals > 0) {
+        unsigned long long fraction = units % unitsPerWhole;
+        int left = decimals;
+        for (; left >= 2; left -= 2) {
+            p -= 2;
+            std::memcpy(p, DigitPairs + 2 * (fraction % 100), 2);
+            fraction /= 100;
         }
-        *--p = static_cast<char>('0' + units % 10);
-        units /= 10;
-        ++digit;
-    } while (units != 0 || digit <= decimals);
+        if (left > 0) {
+            *--p = static_cast<char>('0' + fraction);
+        }
+        *--p = '.';
+    }
+    unsigned long long whole = units / unitsPerWhole;
+    while (whole >= 100) {
+        p -= 2;
+        std::memcpy(p, DigitPairs + 2 * (whole % 100), 2);
+        whole /= 100;
+    }
+    if (whole >= 10) {
+        p -= 2;
+        std::memcpy(p, DigitPairs + 2 * whole, 2);
+    } else {
+        *--p = static_cast<char>('0' + whole);
+    }
     // A negative value that rounds to zero is written as zero (no "-0.0000").
     if (negative) {
         *--p = '-';

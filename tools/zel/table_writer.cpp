@@ -1,5 +1,6 @@
 #include "table_writer.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -47,7 +48,14 @@ namespace {
 // quotes doubled.
 void AppendCsvText(std::string& out, std::string_view text, char separator)
 {
-    if (text.find_first_of(std::string{separator, '"', '\n', '\r'}) == std::string_view::npos) {
+    bool plain = true;
+    for (char c : text) {
+        if (c == separator || c == '"' || c == '\n' || c == '\r') {
+            plain = false;
+            break;
+        }
+    }
+    if (plain) {
         out.append(text.data(), text.size());
         return;
     }
@@ -120,7 +128,9 @@ TableWriter& TableWriter::Integer(long long value)
     if (m_format == TableFormat::GeoJson) {
         Key();
     }
-    m_row += std::to_string(value);
+    char buf[24];
+    std::to_chars_result const r = std::to_chars(buf, buf + sizeof buf, value);
+    m_row.append(buf, static_cast<std::size_t>(r.ptr - buf));
     ++m_cell;
     return *this;
 }
