@@ -67,6 +67,7 @@ constexpr double LargestQuickScaled = 1125899906842624.0;  // 2^50
 // quick path keeps is rounded to the same last digit as the exact decimal
 // expansion would be; values nearer a tie (0.03125 to 4 decimals is one
 // exactly) go the slow way.
+constexpr double RoundingShift = 6755399441055744.0;  // 1.5 * 2^52
 constexpr double TieMargin = 1.0 / (1 << 20);
 
 // v with `decimals` digits after the point, rounded to nearest as std::to_chars
@@ -86,7 +87,9 @@ bool AppendFixedQuick(std::string& out, double v, int decimals)
     // double), and scaled - rounded is exact: both are multiples of scaled's
     // last place and at most half a unit apart.
     double const error = std::fma(v, scale, -scaled);
-    double const rounded = std::nearbyint(scaled);
+    // Rounded to the nearest integer, ties to even: adding and taking away
+    // 1.5 * 2^52 leaves no bits below the units for |scaled| < 2^51.
+    double const rounded = (scaled + RoundingShift) - RoundingShift;
     double const fraction = (scaled - rounded) + error;
     if (!(std::fabs(fraction) < 0.5 - TieMargin)) {
         return false;
