@@ -117,6 +117,47 @@ TEST(ZelCliSample, ThreadsGiveIdenticalOutput)
     EXPECT_EQ(x, Read(many));
 }
 
+// Several batches of rows, stationed and formatted on several threads: the
+// same table, CSV and GeoJSON, as on one thread; and a point read again later
+// in the file gives the same row again.
+TEST(ZelCliSample, ThreadsGiveIdenticalOutputOverManyBatches)
+{
+    std::string const points = Temp("copies.csv");
+    std::vector<std::string> const rows = Lines(Read(Sample + "points.csv"));
+    std::string text = rows[0] + "\n";
+    int const copies = 7;  // 21,028 points: several batches of rows
+    for (int k = 0; k < copies; ++k) {
+        for (std::size_t i = 1; i < rows.size(); ++i) {
+            text += "K" + std::to_string(k) + rows[i] + "\n";
+        }
+    }
+    {
+        std::ofstream f(points, std::ios::binary);
+        f << text;
+    }
+    for (char const* format : {"csv", "geojson"}) {
+        std::string const one = Temp(std::string("one.") + format);
+        std::string const many = Temp(std::string("many.") + format);
+        Result const a = Zel("station " + Sample + "alignment.xml " + points + " --format " + format +
+                             " --threads 1 -o " + one);
+        Result const b = Zel("station " + Sample + "alignment.xml " + points + " --format " + format +
+                             " -j 3 -o " + many);
+        ASSERT_EQ(a.status, 0) << a.err;
+        ASSERT_EQ(b.status, 0) << b.err;
+        std::string const x = Read(one);
+        EXPECT_EQ(x, Read(many)) << format;
+        if (std::string(format) == "csv") {
+            std::vector<std::string> const lines = Lines(x);
+            std::size_t const n = rows.size() - 1;
+            ASSERT_EQ(lines.size(), 1 + copies * n);
+            for (std::size_t i = 1; i <= n; ++i) {
+                std::string const first = lines[i].substr(lines[i].find(','));
+                EXPECT_EQ(lines[(copies - 1) * n + i].substr(lines[(copies - 1) * n + i].find(',')), first) << i;
+            }
+        }
+    }
+}
+
 TEST_F(ZelCli, PointAtStationsAndSettingOutTable)
 {
     Result r = Zel("point " + alignment + " --at 50 --at 178.53981633974483 --angle-unit deg");

@@ -13,6 +13,7 @@
 
 #include <unistd.h>
 
+#include <zelalign/batch.h>
 #include <zelalign/error.h>
 #include <zelalign/readers/points_csv.h>
 #include <zelalign/stationed_point.h>
@@ -197,39 +198,70 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
     bool stopped = false;
     bool rejectHeaderWritten = false;
 
+    // One row of the table for point i of the batch.
+    auto writeRow = [&](TableWriter& t, std::size_t i) {
+        zelalign::StationedPoint const& r = result[i].point;
+        // A point with no alignment near enough is written against the first.
+        zelalign::Alignment const& alignment =
+            alignments.Alignments()[static_cast<std::size_t>(std::max(result[i].alignment, 0))];
+        t.Text(points[i].id);
+        if (run.nearestOfAll) {
+            t.Text(result[i].alignment >= 0 ? std::string_view(alignment.Name()) : std::string_view());
+        }
+        if (r.element >= 0) {
+            t.Integer(r.element).Text(zelalign::ElementTypeName(r.type));
+        } else {
+            t.Text("").Text("");
+        }
+        WriteStationCells(t, alignment, withEquations, options, r.station, r.displayedStation, r.region);
+        t.Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
+            .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
+            .Number(r.radius, LengthDecimals)
+            .Number(r.designHeight, LengthDecimals)
+            .Number(r.heightDifference, LengthDecimals)
+            .Number(r.tunnelMetre, LengthDecimals);
+        if (withCant) {
+            t.Number(r.appliedCant, LengthDecimals);
+        }
+        t.Text(zelalign::ProjectionStatusName(r.status));
+        t.SetPoint(east[i], north[i], height[i]);
+        t.EndRow();
+    };
+
+    // With several threads each takes a contiguous share of the batch, stations
+    // it and formats its rows into a buffer of its own; the buffers are then
+    // written in order, so the table is the same whatever the thread count.
+    std::vector<TableWriter> shares;
     auto flush = [&] {
         if (n == 0) {
             return;
         }
         begin();
-        alignments.Station(n, east.data(), north.data(), height.data(), result.data(), run.threads, run.maxOffset);
-        for (std::size_t i = 0; i < n; ++i) {
-            zelalign::StationedPoint const& r = result[i].point;
-            // A point with no alignment near enough is written against the first.
-            zelalign::Alignment const& alignment =
-                alignments.Alignments()[static_cast<std::size_t>(std::max(result[i].alignment, 0))];
-            table->Text(points[i].id);
-            if (run.nearestOfAll) {
-                table->Text(result[i].alignment >= 0 ? alignment.Name() : std::string());
+        std::size_t const parts = std::min<std::size_t>(std::max(run.threads, 1u), n);
+        if (parts == 1) {
+            alignments.Station(n, east.data(), north.data(), height.data(), result.data(), 1, run.maxOffset);
+            for (std::size_t i = 0; i < n; ++i) {
+                writeRow(*table, i);
             }
-            if (r.element >= 0) {
-                table->Integer(r.element).Text(zelalign::ElementTypeName(r.type));
-            } else {
-                table->Text("").Text("");
+        } else {
+            while (shares.size() < parts) {
+                shares.push_back(table->RowBuffer());
             }
-            WriteStationCells(*table, alignment, withEquations, options, r.station, r.displayedStation, r.region);
-            table->Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
-                .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
-                .Number(r.radius, LengthDecimals)
-                .Number(r.designHeight, LengthDecimals)
-                .Number(r.heightDifference, LengthDecimals)
-                .Number(r.tunnelMetre, LengthDecimals);
-            if (withCant) {
-                table->Number(r.appliedCant, LengthDecimals);
+            zelalign::ParallelFor(parts, static_cast<unsigned>(parts), [&](std::size_t first, std::size_t last) {
+                for (std::size_t k = first; k < last; ++k) {
+                    std::size_t const lo = n * k / parts;
+                    std::size_t const hi = n * (k + 1) / parts;
+                    alignments.Station(hi - lo, east.data() + lo, north.data() + lo, height.data() + lo,
+                                       result.data() + lo, 1, run.maxOffset);
+                    shares[k].StartRows(written + static_cast<long long>(lo));
+                    for (std::size_t i = lo; i < hi; ++i) {
+                        writeRow(shares[k], i);
+                    }
+                }
+            });
+            for (std::size_t k = 0; k < parts; ++k) {
+                table->WriteRows(shares[k]);
             }
-            table->Text(zelalign::ProjectionStatusName(r.status));
-            table->SetPoint(east[i], north[i], height[i]);
-            table->EndRow();
         }
         written += static_cast<long long>(n);
         n = 0;

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "format.h"
 
@@ -72,7 +73,7 @@ void AppendCsvText(std::string& out, std::string_view text, char separator)
 }  // namespace
 
 TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::string> columns)
-    : m_out(out), m_format(format), m_columns(std::move(columns))
+    : m_out(&out), m_format(format), m_columns(std::move(columns))
 {
     m_row.reserve(1024);
     if (m_format == TableFormat::GeoJson) {
@@ -82,7 +83,7 @@ TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::strin
             key += ':';
             m_keys.push_back(key);
         }
-        m_out.Write("{\"type\":\"FeatureCollection\",\"features\":[\n");
+        m_out->Write("{\"type\":\"FeatureCollection\",\"features\":[\n");
         return;
     }
     char const separator = m_format == TableFormat::Tsv ? '\t' : ',';
@@ -93,8 +94,41 @@ TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::strin
         m_row += m_columns[i];
     }
     m_row += '\n';
-    m_out.Write(m_row);
+    m_out->Write(m_row);
     m_row.clear();
+}
+
+TableWriter::TableWriter(TableFormat format, std::vector<std::string> keys)
+    : m_out(nullptr), m_format(format), m_keys(std::move(keys))
+{
+    m_row.reserve(1024);
+}
+
+TableWriter TableWriter::RowBuffer() const
+{
+    return TableWriter(m_format, m_keys);
+}
+
+void TableWriter::StartRows(long long rowsBefore)
+{
+    m_rows = rowsBefore;
+}
+
+void TableWriter::WriteRows(TableWriter& buffer)
+{
+    m_out->Write(buffer.m_buffer);
+    buffer.m_buffer.clear();
+    m_rows += buffer.m_bufferedRows;
+    buffer.m_bufferedRows = 0;
+}
+
+void TableWriter::Emit(std::string_view text)
+{
+    if (m_out != nullptr) {
+        m_out->Write(text);
+    } else {
+        m_buffer.append(text.data(), text.size());
+    }
 }
 
 void TableWriter::Separator()
@@ -178,23 +212,24 @@ void TableWriter::EndRow()
             feature += "null";
         }
         feature += ",\"properties\":{";
-        m_out.Write(feature);
-        m_out.Write(m_row);
-        m_out.Write("}}");
+        Emit(feature);
+        Emit(m_row);
+        Emit("}}");
     } else {
         m_row += '\n';
-        m_out.Write(m_row);
+        Emit(m_row);
     }
     m_row.clear();
     m_cell = 0;
-    m_point[0] = m_point[1] = m_point[2] = std::nan("");
+    m_point[0] = m_point[1] = m_point[2] = std::numeric_limits<double>::quiet_NaN();
     ++m_rows;
+    ++m_bufferedRows;
 }
 
 void TableWriter::Finish()
 {
     if (m_format == TableFormat::GeoJson) {
-        m_out.Write("\n]}\n");
+        m_out->Write("\n]}\n");
     }
 }
 
