@@ -279,6 +279,47 @@ TEST(FastPath, TransitionsOfEveryShapeGiveTheElementOperationsBits)
     EXPECT_GT(feet, 100000);
 }
 
+// The exact foot on transitions of every shape: the same result as the element
+// search (on the element, before its start, beyond its end), a foot on the
+// element's own curve with the measured point less than 1 micrometre along
+// its tangent, never farther from the point than the element search's foot,
+// and the same station as that foot within the element search's 0.4 mm.
+TEST(FastPath, ExactFootOnTransitionsOfEveryShape)
+{
+    int on = 0;
+    for (HorizontalAlignment const& a : Transitions()) {
+        HorizontalElement const& e = a.Elements()[0];
+        for (int k = 1; k < 12; ++k) {
+            AlignmentPoint const p = a.LiteralElementPoint(0, e.StartStation() + e.Length() * k / 12.0);
+            for (double offset : {0.0, 0.4, -0.4, 3.0, -3.0, 40.0, -40.0, 650.0, -650.0}) {
+                double east = 0.0;
+                double north = 0.0;
+                Beside(p, offset, &east, &north);
+                AlignmentPoint exact;
+                AlignmentPoint literal;
+                int const r = a.ElementFoot(0, east, north, ProjectionAccuracy::Exact, &exact);
+                ASSERT_EQ(r, a.LiteralElementFoot(0, east, north, &literal))
+                    << zelalign::ElementTypeName(e.type) << " kind " << e.spec.ComplexType << " offset " << offset;
+                if (r != TPointMathResult::OnElement) {
+                    continue;
+                }
+                AlignmentPoint const onCurve = a.LiteralElementPoint(0, exact.station);
+                EXPECT_TRUE(SamePoint(exact, onCurve)) << zelalign::ElementTypeName(e.type);
+                double along = 0.0;
+                double across = 0.0;
+                Residual(exact, east, north, &along, &across);
+                ASSERT_LT(std::fabs(along), 1e-6)
+                    << zelalign::ElementTypeName(e.type) << " kind " << e.spec.ComplexType << " offset " << offset;
+                EXPECT_LE(std::hypot(east - exact.east, north - exact.north),
+                          std::hypot(east - literal.east, north - literal.north) + 1e-9);
+                EXPECT_NEAR(exact.station, literal.station, 4.01e-4 * 4);
+                ++on;
+            }
+        }
+    }
+    EXPECT_GT(on, 30000);
+}
+
 TEST(FastPath, ExactFootLiesWithinAMicrometreAlongTheTangent)
 {
     int refined = 0;

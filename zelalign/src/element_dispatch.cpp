@@ -453,9 +453,10 @@ int ArcLot(PreparedElement const& c, double east, double north, AlignmentPoint* 
     return TPointMathResult::OnElement;
 }
 
-int ClothoidLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+// The end tests of CMathClothoid::Lot: BeforeStart or BeyondEnd with the end
+// point, or SearchOnElement with the first trial station of its iteration.
+int ClothoidEnds(PreparedElement const& c, double east, double north, AlignmentPoint* out, double* first)
 {
-    using namespace zelmath::horizontal_detail;
     double const ve = east - c.endEast;
     double const vn = north - c.endNorth;
     if (TolGreater(ve * c.endTangentCos - vn * c.endTangentSin, ClothoidEndTolerance)) {
@@ -469,8 +470,19 @@ int ClothoidLot(PreparedElement const& c, double east, double north, AlignmentPo
         ClothoidPoint(c, c.startStation, out);
         return TPointMathResult::BeforeStart;
     }
+    *first = c.startStation + fromStart;
+    return SearchOnElement;
+}
+
+int ClothoidLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    using namespace zelmath::horizontal_detail;
+    double s = 0.0;
+    int const ends = ClothoidEnds(c, east, north, out, &s);
+    if (ends != SearchOnElement) {
+        return ends;
+    }
     // CMathClothoid::Iterate.
-    double s = c.startStation + fromStart;
     for (int step = 1; step <= MaxFootSteps; ++step) {
         if (!TolGreater(s, c.startStation)) {
             s = c.startStation + StationInset;
@@ -712,9 +724,9 @@ void CubicPoint(PreparedElement const& c, double station, AlignmentPoint* out)
 }
 
 // CMathCbcParabol::Lot on the straight-into-curve element (evaluated stations).
-int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+// The end tests of CMathCbcParabol::Lot (evaluated stations), as ClothoidEnds.
+int CubicEnds(PreparedElement const& c, double east, double north, AlignmentPoint* out, double* first)
 {
-    using namespace zelmath::horizontal_detail;
     double const ve = east - c.curveEndEast;
     double const vn = north - c.curveEndNorth;
     if (TolGreater(ve * c.intoEndCos - vn * c.intoEndSin, 0.0)) {
@@ -728,8 +740,19 @@ int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint
         CubicPoint(c, c.startStation, out);
         return TPointMathResult::BeforeStart;
     }
+    *first = c.startStation + fromStart * c.span / c.abscissa;
+    return SearchOnElement;
+}
+
+int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    using namespace zelmath::horizontal_detail;
+    double s = 0.0;
+    int const ends = CubicEnds(c, east, north, out, &s);
+    if (ends != SearchOnElement) {
+        return ends;
+    }
     // CMathCbcParabol::Iterate.
-    double s = c.startStation + fromStart * c.span / c.abscissa;
     for (int n = 1;; ++n) {
         if (!TolGreater(s, c.startStation)) {
             s = c.startStation + StationInset;
@@ -867,10 +890,10 @@ void SinePoint(CAxisComplexSpec const& spec, PreparedElement const& c, double st
 }
 
 // CMathHalfSin::Lot and Iterate.
-int SineLot(CAxisComplexSpec const& spec, PreparedElement const& c, double east, double north,
-            AlignmentPoint* out)
+// The end tests of CMathHalfSin::Lot, as ClothoidEnds.
+int SineEnds(CAxisComplexSpec const& spec, PreparedElement const& c, double east, double north, AlignmentPoint* out,
+             double* first)
 {
-    using namespace zelmath::horizontal_detail;
     double const ve = east - c.endEast;
     double const vn = north - c.endNorth;
     if (TolGreater(ve * c.intoEndCos - vn * c.intoEndSin, 0.0)) {
@@ -884,7 +907,19 @@ int SineLot(CAxisComplexSpec const& spec, PreparedElement const& c, double east,
         SinePoint(spec, c, c.startStation, out);
         return TPointMathResult::BeforeStart;
     }
-    double s = c.startStation + fromStart;
+    *first = c.startStation + fromStart;
+    return SearchOnElement;
+}
+
+int SineLot(CAxisComplexSpec const& spec, PreparedElement const& c, double east, double north,
+            AlignmentPoint* out)
+{
+    using namespace zelmath::horizontal_detail;
+    double s = 0.0;
+    int const ends = SineEnds(spec, c, east, north, out, &s);
+    if (ends != SearchOnElement) {
+        return ends;
+    }
     for (int n = 1;; ++n) {
         if (!TolGreater(s, c.startStation)) {
             s = c.startStation + StationInset;
@@ -1099,6 +1134,38 @@ int PreparedLot(HorizontalElement const& element, PreparedElement const& c, doub
         break;
     }
     return result;
+}
+
+int PreparedFootStart(HorizontalElement const& element, PreparedElement const& c, double east, double north,
+                      AlignmentPoint* out, double* first)
+{
+    if (!c.prepared) {
+        return NotPrepared;
+    }
+    switch (c.type) {
+    case ElementType::Line:
+    case ElementType::Arc:
+        return NotPrepared;
+    case ElementType::Clothoid:
+        return ClothoidEnds(c, east, north, out, first);
+    case ElementType::CubicParabola: {
+        int result = CubicEnds(c, east, north, out, first);
+        if (c.reversed) {
+            if (result == SearchOnElement) {
+                *first = c.startStation + c.endStation - *first;
+                return result;
+            }
+            result = SwapEnds(result);
+            out->station = c.startStation + c.endStation - out->station;
+            out->azimuth = Reverse(out->azimuth);
+            out->radius = -out->radius;
+        }
+        return result;
+    }
+    case ElementType::HalfSine:
+        return SineEnds(element.spec, c, east, north, out, first);
+    }
+    return NotPrepared;
 }
 
 }  // namespace detail

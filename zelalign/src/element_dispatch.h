@@ -105,5 +105,16 @@ void PreparedKleinpunkt(HorizontalElement const& element, PreparedElement const&
 int PreparedLot(HorizontalElement const& element, PreparedElement const& c, double east, double north,
                 AlignmentPoint* out);
 
+// Results of PreparedFootStart besides the element classes' result codes.
+constexpr int SearchOnElement = -1;  // the foot lies on the element: search from *first
+constexpr int NotPrepared = -2;      // a straight, an arc or an element left to its class
+
+// The end tests of a transition's foot search, as PreparedLot makes them:
+// BeforeStart or BeyondEnd with *out the end point (as PreparedLot gives it),
+// or SearchOnElement with *first the station the element class's search
+// starts from (not yet held inside the element).
+int PreparedFootStart(HorizontalElement const& element, PreparedElement const& c, double east, double north,
+                      AlignmentPoint* out, double* first);
+
 }  // namespace detail
 }  // namespace zelalign
