@@ -13,8 +13,9 @@
 #   CALLGRIND   1: also count instructions per point of the stationing
 #               against the alignment's length (scripts/bench-callgrind.sh,
 #               a few minutes under valgrind)
-#   TOOL_COPIES copies of the sample's points in the file zel station reads
-#               for its throughput (default: 100, about 300,000 points)
+#   TOOL_POINTS points in the file zel station reads for its throughput,
+#               made from the sample's by scripts/bench-points.py (default:
+#               1,000,000)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -41,24 +42,17 @@ for b in "$build_dir"/bench/bench_*; do
     --benchmark_out="$results/$name.json" --benchmark_out_format=json >/dev/null
 done
 
-# Throughput of the tool: zel station on the sample's points repeated
-# TOOL_COPIES times (reading, stationing, writing), with 1 thread and with
-# every hardware thread; CPU time (user + system) and wall time of the process.
+# Throughput of the tool: zel station on TOOL_POINTS points made from the
+# sample's by scripts/bench-points.py (reading, stationing, writing), with 1
+# thread and with every hardware thread; CPU time (user + system) and wall
+# time of the process, and the machine's load average (1 minute) before each run.
 tool_points="$build_dir/bench-tool-points.csv"
-python3 - "$tool_points" "${TOOL_COPIES:-100}" <<'PY'
-import sys
-path, copies = sys.argv[1], int(sys.argv[2])
-rows = open("data/sample/points.csv").read().splitlines()
-with open(path, "w") as f:
-    f.write(rows[0] + "\n")
-    for k in range(copies):
-        for r in rows[1:]:
-            f.write("C%04d%s\n" % (k, r))
-PY
+scripts/bench-points.py "$tool_points" "${TOOL_POINTS:-1000000}"
 : > "$results/tool.txt"
-for threads in $(printf '%s\n' 1 "$(nproc)" | sort -un); do
+for threads in $(printf '%s\n' 1 2 "$(nproc)" | sort -un); do
   for rep in $(seq "$repetitions"); do
-    /usr/bin/time -f "$threads %U %S %e" -a -o "$results/tool.txt" \
+    load=$(cut -d' ' -f1 /proc/loadavg)
+    /usr/bin/time -f "$threads %U %S %e $load" -a -o "$results/tool.txt" \
       "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads "$threads"
   done
 done
@@ -194,17 +188,21 @@ lines.append("What the layer does per point: the candidate elements come from a 
 lines.append("R-tree of the elements' bounding boxes (Boost.Geometry, packed once when the")
 lines.append("alignment is built), taken nearest box first in rounds of up to 32 into a")
 lines.append("fixed buffer, so a point allocates nothing and looks at a handful of elements")
-lines.append("whatever the alignment's length. Straights, arcs and clothoids are evaluated")
-lines.append("through constants computed once per element (origin, origin tangent, the sine")
-lines.append("and cosine of the turns into the local frames, A^2), bit-identical to the")
-lines.append("element classes; cubic parabolas and half-sine transitions still call their")
-lines.append("classes per call.")
+lines.append("whatever the alignment's length. Every element type is evaluated through")
+lines.append("constants computed once per element (origin, origin tangent, the sine and")
+lines.append("cosine of the turns into the local frames, A^2; a half-sine's products of")
+lines.append("pi/L and 1/2R, a cubic parabola's abscissa and denominator 6 R Lx),")
+lines.append("bit-identical to the element classes (tests/alignment/test_fast_path.cpp).")
 lines.append("")
-lines.append("Accuracy of the feet: the exact foot (default) continues the element's")
-lines.append("search by Newton steps on the tangency condition until the measured point lies")
-lines.append("less than 1e-7 m along the tangent at the foot (tests assert below 1 µm); the")
-lines.append("element foot (`ProjectionAccuracy::Element`) stops within 0.4 mm along the")
-lines.append("tangent on a transition. Straights and arcs are exact either way.")
+lines.append("Accuracy of the feet: the exact foot (default) takes Newton steps on the")
+lines.append("tangency condition from the station where the element's own search starts")
+lines.append("(after its tests for a point before the start or beyond the end) until the")
+lines.append("measured point lies less than 1e-7 m along the tangent at the foot (tests")
+lines.append("assert below 1 µm); where those steps do not settle well inside the element")
+lines.append("(near the centre of curvature, far off, at an end) the element's damped search")
+lines.append("is run and continued by Newton steps. The element foot")
+lines.append("(`ProjectionAccuracy::Element`) stops within 0.4 mm along the tangent on a")
+lines.append("transition. Straights and arcs are exact either way.")
 lines.append("")
 lines.append("### Stationing cost against the number of elements (`bench_alignment_scaling`)")
 lines.append("")
@@ -292,25 +290,33 @@ lines.append("")
 
 lines.append("### Tool throughput against threads (`zel station`)")
 lines.append("")
-lines.append("`zel station data/sample/alignment.xml` on the sample's points repeated to")
-lines.append("%d points, output to /dev/null (reading, stationing with exact feet, profile" % tool_count)
-lines.append("and tunnel metres, formatting and writing), %s runs each; medians. CPU time is" % repetitions)
-lines.append("user plus system time of the process (`/usr/bin/time`).")
+lines.append("`zel station data/sample/alignment.xml` on %d points made from the sample's" % tool_count)
+lines.append("by `scripts/bench-points.py` (each copy moved by up to 5 cm), output to")
+lines.append("/dev/null: reading, stationing with exact feet, profile and tunnel metres,")
+lines.append("formatting and writing; %s runs each, medians. CPU time is user plus system" % repetitions)
+lines.append("time of the process (`/usr/bin/time`), summed over its threads, so *points/s")
+lines.append("per core* is the number of points over the CPU time. Wall time depends on what")
+lines.append("else the machine runs: the load average before the runs is given beside it.")
+lines.append("With several threads the main thread reads the next batch of 8,192 points")
+lines.append("while the others station and format the last, each its own share, and the")
+lines.append("main thread writes the shares in order.")
 lines.append("")
-lines.append("| threads | CPU time | points/s per core (CPU) | wall time | points/s (wall) |")
-lines.append("|---|---|---|---|---|")
+lines.append("| threads | CPU time | points/s per core (CPU) | wall time | points/s (wall) | load average before |")
+lines.append("|---|---|---|---|---|---|")
 runs = {}
 with open(os.path.join(results, "tool.txt")) as f:
     for line in f:
         parts = line.split()
-        if len(parts) == 4 and parts[0].isdigit():
-            runs.setdefault(int(parts[0]), []).append((float(parts[1]) + float(parts[2]), float(parts[3])))
+        if len(parts) >= 4 and parts[0].isdigit():
+            load = float(parts[4]) if len(parts) >= 5 else float("nan")
+            runs.setdefault(int(parts[0]), []).append((float(parts[1]) + float(parts[2]), float(parts[3]), load))
 for threads in sorted(runs):
-    cpu_s = median([c for c, _ in runs[threads]])
-    wall_s = median([w for _, w in runs[threads]])
-    lines.append("| %d | %.2f s | %.0f | %.2f s | %.0f |" % (
+    cpu_s = median([c for c, _, _ in runs[threads]])
+    wall_s = median([w for _, w, _ in runs[threads]])
+    load = median([l for _, _, l in runs[threads]])
+    lines.append("| %d | %.2f s | %.0f | %.2f s | %.0f | %.2f |" % (
         threads, cpu_s, tool_count / cpu_s if cpu_s > 0 else 0, wall_s,
-        tool_count / wall_s if wall_s > 0 else 0))
+        tool_count / wall_s if wall_s > 0 else 0, load))
 lines.append("")
 
 titles = {
