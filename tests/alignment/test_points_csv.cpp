@@ -7,12 +7,15 @@
 #include <zelalign/message.h>
 #include <zelalign/readers/points_csv.h>
 
+#include "common/allocation_counter.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <random>
 #include <limits>
@@ -529,4 +532,37 @@ TEST(PointsCsv, RowsAcrossManyReadChunks)
     EXPECT_EQ(reader.Next(&p), PointsCsvReader::Row::End);
     EXPECT_EQ(reader.Counts().points, 30000);
     EXPECT_EQ(reader.Counts().lines, 30000);
+}
+
+// Once the first rows have given the reader's buffers and the point's id their
+// size, rows of the same shape are read without a single heap allocation,
+// those that cross from one 64 KiB read into the next included.
+TEST(PointsCsv, RowsAreReadWithoutAllocating)
+{
+    std::string text = "id,east,north,height\n";
+    char row[96];
+    int const rows = 30000;
+    for (int i = 0; i < rows; ++i) {
+        std::snprintf(row, sizeof row, "LONG-POINT-NAME-%06d,%.4f,%.4f,%.4f%s", i, 2600000.0 + 0.37 * i,
+                      1200000.0 - 0.11 * i, 400.0 + 0.001 * (i % 1000), i % 2 == 0 ? "\n" : "\r\n");
+        text += row;
+    }
+    std::istringstream in(text);
+    PointsCsvReader reader(in, "same_shape.csv");
+    MeasuredPoint p;
+    int const warmUp = 5000;  // three reads of 64 KiB: every buffer has met a row
+    for (int i = 0; i < warmUp; ++i) {
+        ASSERT_EQ(reader.Next(&p), PointsCsvReader::Row::Point);
+    }
+    int read = 0;
+    double last = 0.0;
+    long const counted = AllocationsDuring([&] {
+        while (reader.Next(&p) == PointsCsvReader::Row::Point) {
+            ++read;
+            last = p.east;
+        }
+    });
+    EXPECT_EQ(counted, 0);
+    EXPECT_EQ(read, rows - warmUp);
+    EXPECT_EQ(last, std::stod("2611099.6300"));  // 2600000 + 0.37 * 29999 written with 4 decimals
 }
