@@ -75,15 +75,18 @@ share "  of which design heights (VerticalProfile::HeightAt)" "zelalign::Vertica
 share "formatting numbers (TableWriter::Number)" "zel::TableWriter::Number("
 share "formatting text cells (TableWriter::Text)" "zel::TableWriter::Text("
 share "handing rows to the output (Output::Write)" "zel::Output::Write("
-# With several threads the main thread reads and writes; the stationing and
-# formatting of a batch run on the others meanwhile. From the counts: the
-# share of the run that stays on the main thread, and the wall-time speed-up
-# on two idle cores this leaves room for.
+# With several threads the main thread reads and writes while the stationing
+# and formatting of the last batch run on the others. From the counts: the
+# share of the run that stays on the main thread, and the bound this leaves
+# for the wall time on two idle cores (the larger of half the work, the main
+# thread's part and half the rest).
 reading=$(count "zelalign::PointsCsvReader::Next(")
 writing=$(count "zel::Output::Write(")
 awk -v all="$total" -v r="${reading:-0}" -v w="${writing:-0}" 'BEGIN {
   main = r + w; rest = all - main
-  two = (main > rest / 2 ? main : rest / 2)
-  printf "\nOn the main thread (reading, writing): %.1f %% of the instructions; with the\n", 100 * main / all
-  printf "rest split over two threads beside it, two idle cores would finish in %.2f of\n", two / all
-  printf "the one-thread time (a bound from the counts, not a measurement).\n" }'
+  two = all / 2
+  if (main > two) two = main
+  if (rest / 2 > two) two = rest / 2
+  printf "\nOn the main thread (reading, writing): %.1f %% of the instructions, the rest\n", 100 * main / all
+  printf "on the other threads meanwhile; on two idle cores the run could take %.2f of\n", two / all
+  printf "its one-thread wall time (a bound from the counts, not a measurement).\n" }'
