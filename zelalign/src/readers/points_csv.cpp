@@ -1,6 +1,8 @@
 #include <zelalign/readers/points_csv.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -146,8 +148,8 @@ bool HasDigit(std::string_view s)
 // Powers of ten that are exact doubles (10^22 is the largest).
 constexpr double ExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                        1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-// Digits a quick mantissa may hold: 18 digits never overflow 64 bits.
-constexpr int MostQuickDigits = 18;
+// Digits a quick mantissa may hold: 19 digits never overflow 64 bits.
+constexpr int MostQuickDigits = 19;
 // Exponents beyond this leave the quick path at once (and stop the count
 // before it could overflow).
 constexpr int MostQuickExponent = 1000;
@@ -169,22 +171,25 @@ bool QuickDecimal(std::string_view s, double* value)
         negative = *p == '-';
         ++p;
     }
+    // At most MostQuickDigits digits in all (leading zeros counted too: a
+    // number with more goes the slow way), so the mantissa cannot overflow.
     unsigned long long mantissa = 0;
-    int significant = 0;  // digits from the first that is not zero
-    int digits = 0;
-    int scale = 0;
-    for (; p != end && IsDigit(*p); ++p, ++digits) {
-        significant += mantissa != 0 || *p != '0' ? 1 : 0;
+    char const* const digitsBegin = p;
+    for (; p != end && static_cast<unsigned>(*p - '0') <= 9u; ++p) {
         mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
     }
+    std::ptrdiff_t digits = p - digitsBegin;
+    int scale = 0;
     if (p != end && *p == '.') {
-        for (++p; p != end && IsDigit(*p); ++p, ++digits) {
-            significant += mantissa != 0 || *p != '0' ? 1 : 0;
+        ++p;
+        char const* const fractionBegin = p;
+        for (; p != end && static_cast<unsigned>(*p - '0') <= 9u; ++p) {
             mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
-            --scale;
         }
+        digits += p - fractionBegin;
+        scale = -static_cast<int>(std::min<std::ptrdiff_t>(p - fractionBegin, MostQuickDigits + 1));
     }
-    if (digits == 0 || significant > MostQuickDigits) {
+    if (digits == 0 || digits > MostQuickDigits) {
         return false;
     }
     if (p != end && (*p == 'e' || *p == 'E')) {
