@@ -319,6 +319,33 @@ for threads in sorted(runs):
         tool_count / wall_s if wall_s > 0 else 0, load))
 lines.append("")
 
+lines.append("Numbers and rows read and written by the tool (`bench_tool_io`), per number")
+lines.append("or point: the tool's own reading (`ParseDecimal`: one exact multiplication or")
+lines.append("division for up to 19 digits and a power of ten up to 22, else")
+lines.append("`std::from_chars`) and writing (`AppendFixed`: integer digits of the rounded")
+lines.append("scaled value, `std::to_chars` near a tie) against the standard library's")
+lines.append("conversions, which they match bit for bit and byte for byte (checked before")
+lines.append("measuring, and in tests/alignment/test_points_csv.cpp and")
+lines.append("tests/cli/test_format.cpp).")
+lines.append("")
+lines.append("| operation | the tool | standard library | ratio |")
+lines.append("|---|---|---|---|")
+def io_cpu(name):
+    r = row("bench_tool_io", name)
+    return None if r is None or not r["items"] else 1e9 / r["items"]
+for title, ours, theirs in (("reading a coordinate", "BM_Tool_ParseDecimal", "BM_Tool_FromChars"),
+                            ("writing with 4 decimals", "BM_Tool_AppendFixed/4", "BM_Tool_ToCharsFixed/4"),
+                            ("writing with 6 decimals", "BM_Tool_AppendFixed/6", "BM_Tool_ToCharsFixed/6")):
+    a, b = io_cpu(ours), io_cpu(theirs)
+    if a is None or b is None:
+        lines.append("| %s | not measured | | |" % title)
+    else:
+        lines.append("| %s | %s | %s | %.2f |" % (title, fmt(a), fmt(b), a / b))
+rp = io_cpu("BM_Tool_ReadPoints")
+if rp is not None:
+    lines.append("| reading a row of the points file (`PointsCsvReader`, from memory) | %s | – | – |" % fmt(rp))
+lines.append("")
+
 titles = {
     "bench_value_types": "Value types",
     "bench_line": "Straight",
@@ -331,6 +358,7 @@ titles = {
     "bench_alignment_stationing": "Alignment stationing on the shipped sample (wall time; points per second over all threads)",
     "bench_alignment_scaling": "Alignment layer against the number of elements",
     "bench_alignment_elements": "Alignment layer per call and element type",
+    "bench_tool_io": "The tool's reading and writing of numbers and rows",
 }
 lines.append("## All benchmarks")
 lines.append("")
@@ -350,7 +378,8 @@ for program in sorted(programs, key=lambda p: list(titles).index(p) if p in titl
     for r in rows:
         note = r["label"]
         if r["items"]:
-            note = (note + "; " if note else "") + "%.0f points/s" % r["items"]
+            unit = "numbers or rows/s" if program == "bench_tool_io" else "points/s"
+            note = (note + "; " if note else "") + "%.0f %s" % (r["items"], unit)
         lines.append("| `%s` | %s | %s | %s |" % (r["name"], fmt(r["cpu"]), fmt(r["real"]), note))
 lines.append("")
 with open(output, "w") as f:
