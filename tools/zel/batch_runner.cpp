@@ -1,6 +1,7 @@
 #include "batch_runner.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -30,6 +31,9 @@ namespace {
 
 // Rows read, stationed in parallel and written per batch.
 constexpr std::size_t BatchRows = 8192;
+// Chunks of a batch per thread: enough that a thread held back by the system
+// leaves the others work to take, few enough that a chunk is hundreds of rows.
+constexpr std::size_t ChunksPerThread = 8;
 // A progress bar appears on a terminal once a run has taken this long.
 constexpr double ProgressDelaySeconds = 2.0;
 constexpr int ProgressBarWidth = 40;
@@ -140,9 +144,9 @@ struct Batch {
     std::vector<zelalign::MeasuredPoint> points;
     std::vector<double> east, north, height;
     std::vector<zelalign::NearestStationedPoint> result;
-    std::vector<TableWriter> shares;
+    std::vector<TableWriter> shares;  // the rows of each chunk
     std::size_t n = 0;      // points in the batch
-    std::size_t parts = 0;  // shares holding rows
+    std::size_t parts = 0;  // chunks holding rows
 
     void Reserve(std::size_t rows)
     {
@@ -247,10 +251,12 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
     };
 
     // Stations a batch and formats its rows. On one thread the rows go straight
-    // to the table. With several, each thread takes a contiguous share of the
-    // batch, stations it and formats its rows into a buffer of its own, for
-    // the main thread to write in order: the table is the same whatever the
-    // thread count.
+    // to the table. With several, the batch is cut into consecutive chunks,
+    // which the threads take one after the other as they come free (a thread
+    // that the system holds back delays the batch by a chunk, not by a share
+    // of it); each chunk is stationed and formatted into a buffer of its own,
+    // for the main thread to write in order: the table is the same whatever
+    // the thread count.
     unsigned const threads = std::max(run.threads, 1u);
     auto process = [&](Batch& batch, long long rowsBefore) {
         std::size_t const count = batch.n;
@@ -262,12 +268,14 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
             }
             return;
         }
-        std::size_t const parts = std::min<std::size_t>(threads, count);
-        batch.parts = parts;
-        zelalign::ParallelFor(parts, static_cast<unsigned>(parts), [&](std::size_t first, std::size_t last) {
-            for (std::size_t k = first; k < last; ++k) {
-                std::size_t const lo = count * k / parts;
-                std::size_t const hi = count * (k + 1) / parts;
+        std::size_t const chunks = std::min<std::size_t>(std::size_t{threads} * ChunksPerThread, count);
+        batch.parts = chunks;
+        std::size_t const workers = std::min<std::size_t>(threads, chunks);
+        std::atomic<std::size_t> next{0};
+        zelalign::ParallelFor(workers, static_cast<unsigned>(workers), [&](std::size_t, std::size_t) {
+            for (std::size_t k = next++; k < chunks; k = next++) {
+                std::size_t const lo = count * k / chunks;
+                std::size_t const hi = count * (k + 1) / chunks;
                 alignments.Station(hi - lo, batch.east.data() + lo, batch.north.data() + lo,
                                    batch.height.data() + lo, batch.result.data() + lo, 1, run.maxOffset);
                 batch.shares[k].StartRows(rowsBefore + static_cast<long long>(lo));
@@ -332,7 +340,7 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
             return;
         }
         finishWork();
-        while (filling->shares.size() < threads) {
+        while (filling->shares.size() < std::min<std::size_t>(std::size_t{threads} * ChunksPerThread, BatchRows)) {
             filling->shares.push_back(table->RowBuffer());
         }
         working = filling;
