@@ -56,6 +56,17 @@ for threads in $(printf '%s\n' 1 2 "$(nproc)" | sort -un); do
       "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads "$threads"
   done
 done
+# How many cores the machine had free for the runs: two one-thread runs side
+# by side, against one alone (2.0 on two idle cores, 1.0 when only one is free).
+for rep in $(seq "$repetitions"); do
+  start=$(date +%s.%N)
+  for copy in 1 2; do
+    "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads 1 2>/dev/null &
+  done
+  wait
+  end=$(date +%s.%N)
+  awk -v a="$start" -v b="$end" 'BEGIN { printf "pair %.3f\n", b - a }' >> "$results/tool.txt"
+done
 tool_count=$(( $(wc -l < "$tool_points") - 1 ))
 rm -f "$tool_points"
 
@@ -314,6 +325,12 @@ with open(os.path.join(results, "tool.txt")) as f:
         if len(parts) >= 4 and parts[0].isdigit():
             load = float(parts[4]) if len(parts) >= 5 else float("nan")
             runs.setdefault(int(parts[0]), []).append((float(parts[1]) + float(parts[2]), float(parts[3]), load))
+side_by_side = []
+with open(os.path.join(results, "tool.txt")) as f:
+    for line in f:
+        parts = line.split()
+        if len(parts) == 2 and parts[0] == "pair":
+            side_by_side.append(float(parts[1]))
 for threads in sorted(runs):
     cpu_s = median([c for c, _, _ in runs[threads]])
     wall_s = median([w for _, w, _ in runs[threads]])
@@ -322,6 +339,13 @@ for threads in sorted(runs):
         threads, cpu_s, tool_count / cpu_s if cpu_s > 0 else 0, wall_s,
         tool_count / wall_s if wall_s > 0 else 0, load))
 lines.append("")
+if side_by_side and 1 in runs:
+    single = median([w for _, w, _ in runs[1]])
+    pair = median(side_by_side)
+    lines.append("Cores free for these runs: two one-thread runs side by side took %.2f s against" % pair)
+    lines.append("%.2f s for one alone, so the machine had %.2f cores to give them (2.00 on two" % (single, 2 * single / pair))
+    lines.append("idle cores).")
+    lines.append("")
 
 lines.append("Numbers and rows read and written by the tool (`bench_tool_io`), per number")
 lines.append("or point: the tool's own reading (`ParseDecimal`: one exact multiplication or")
