@@ -49,16 +49,15 @@ done
 tool_points="$build_dir/bench-tool-points.csv"
 scripts/bench-points.py "$tool_points" "${TOOL_POINTS:-1000000}"
 : > "$results/tool.txt"
-for threads in $(printf '%s\n' 1 2 "$(nproc)" | sort -un); do
-  for rep in $(seq "$repetitions"); do
+# Each repetition runs every thread count and then, to tell how many cores
+# the machine had free at that moment, two one-thread runs side by side (as
+# fast as one alone on two idle cores, twice as slow when only one is free).
+for rep in $(seq "$repetitions"); do
+  for threads in $(printf '%s\n' 1 2 "$(nproc)" | sort -un); do
     load=$(cut -d' ' -f1 /proc/loadavg)
     /usr/bin/time -f "$threads %U %S %e $load" -a -o "$results/tool.txt" \
       "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads "$threads"
   done
-done
-# How many cores the machine had free for the runs: two one-thread runs side
-# by side, against one alone (2.0 on two idle cores, 1.0 when only one is free).
-for rep in $(seq "$repetitions"); do
   start=$(date +%s.%N)
   for copy in 1 2; do
     "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads 1 2>/dev/null &
