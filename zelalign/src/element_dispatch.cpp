@@ -1142,13 +1142,11 @@ int PreparedFootStart(HorizontalElement const& element, PreparedElement const& c
     if (!c.prepared) {
         return NotPrepared;
     }
-    switch (c.type) {
-    case ElementType::Line:
-    case ElementType::Arc:
-        return NotPrepared;
-    case ElementType::Clothoid:
+    // Straights and arcs need no search; any other type goes the element's way.
+    if (c.type == ElementType::Clothoid) {
         return ClothoidEnds(c, east, north, out, first);
-    case ElementType::CubicParabola: {
+    }
+    if (c.type == ElementType::CubicParabola) {
         int result = CubicEnds(c, east, north, out, first);
         if (c.reversed) {
             if (result == SearchOnElement) {
@@ -1162,7 +1160,7 @@ int PreparedFootStart(HorizontalElement const& element, PreparedElement const& c
         }
         return result;
     }
-    case ElementType::HalfSine:
+    if (c.type == ElementType::HalfSine) {
         return SineEnds(element.spec, c, east, north, out, first);
     }
     return NotPrepared;
