@@ -90,8 +90,8 @@ bool AppendFixedQuick(std::string& out, double v, int decimals)
     // Rounded to the nearest integer, ties to even: adding and taking away
     // 1.5 * 2^52 leaves no bits below the units for |scaled| < 2^51.
     double const rounded = (scaled + RoundingShift) - RoundingShift;
-    double const fraction = (scaled - rounded) + error;
-    if (!(std::fabs(fraction) < 0.5 - TieMargin)) {
+    double const residue = (scaled - rounded) + error;
+    if (!(std::fabs(residue) < 0.5 - TieMargin)) {
         return false;
     }
     bool const negative = rounded < 0.0;
