@@ -13,8 +13,9 @@
 #   CALLGRIND   1: also count instructions per point of the stationing
 #               against the alignment's length (scripts/bench-callgrind.sh,
 #               a few minutes under valgrind)
-#   TOOL_COPIES copies of the sample's points in the file zel station reads
-#               for its throughput (default: 100, about 300,000 points)
+#   TOOL_POINTS points in the file zel station reads for its throughput,
+#               made from the sample's by scripts/bench-points.py (default:
+#               1,000,000)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -41,26 +42,29 @@ for b in "$build_dir"/bench/bench_*; do
     --benchmark_out="$results/$name.json" --benchmark_out_format=json >/dev/null
 done
 
-# Throughput of the tool: zel station on the sample's points repeated
-# TOOL_COPIES times (reading, stationing, writing), with 1 thread and with
-# every hardware thread; CPU time (user + system) and wall time of the process.
+# Throughput of the tool: zel station on TOOL_POINTS points made from the
+# sample's by scripts/bench-points.py (reading, stationing, writing), with 1
+# thread and with every hardware thread; CPU time (user + system) and wall
+# time of the process, and the machine's load average (1 minute) before each run.
 tool_points="$build_dir/bench-tool-points.csv"
-python3 - "$tool_points" "${TOOL_COPIES:-100}" <<'PY'
-import sys
-path, copies = sys.argv[1], int(sys.argv[2])
-rows = open("data/sample/points.csv").read().splitlines()
-with open(path, "w") as f:
-    f.write(rows[0] + "\n")
-    for k in range(copies):
-        for r in rows[1:]:
-            f.write("C%04d%s\n" % (k, r))
-PY
+scripts/bench-points.py "$tool_points" "${TOOL_POINTS:-1000000}"
 : > "$results/tool.txt"
-for threads in $(printf '%s\n' 1 "$(nproc)" | sort -un); do
-  for rep in $(seq "$repetitions"); do
-    /usr/bin/time -f "$threads %U %S %e" -a -o "$results/tool.txt" \
+# Each repetition runs every thread count and then, to tell how many cores
+# the machine had free at that moment, two one-thread runs side by side (as
+# fast as one alone on two idle cores, twice as slow when only one is free).
+for rep in $(seq "$repetitions"); do
+  for threads in $(printf '%s\n' 1 2 "$(nproc)" | sort -un); do
+    load=$(cut -d' ' -f1 /proc/loadavg)
+    /usr/bin/time -f "$threads %U %S %e $load" -a -o "$results/tool.txt" \
       "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads "$threads"
   done
+  start=$(date +%s.%N)
+  for copy in 1 2; do
+    "$build_dir/tools/zel/zel" station data/sample/alignment.xml "$tool_points" -o /dev/null --threads 1 2>/dev/null &
+  done
+  wait
+  end=$(date +%s.%N)
+  awk -v a="$start" -v b="$end" 'BEGIN { printf "pair %.3f\n", b - a }' >> "$results/tool.txt"
 done
 tool_count=$(( $(wc -l < "$tool_points") - 1 ))
 rm -f "$tool_points"
@@ -194,17 +198,21 @@ lines.append("What the layer does per point: the candidate elements come from a 
 lines.append("R-tree of the elements' bounding boxes (Boost.Geometry, packed once when the")
 lines.append("alignment is built), taken nearest box first in rounds of up to 32 into a")
 lines.append("fixed buffer, so a point allocates nothing and looks at a handful of elements")
-lines.append("whatever the alignment's length. Straights, arcs and clothoids are evaluated")
-lines.append("through constants computed once per element (origin, origin tangent, the sine")
-lines.append("and cosine of the turns into the local frames, A^2), bit-identical to the")
-lines.append("element classes; cubic parabolas and half-sine transitions still call their")
-lines.append("classes per call.")
+lines.append("whatever the alignment's length. Every element type is evaluated through")
+lines.append("constants computed once per element (origin, origin tangent, the sine and")
+lines.append("cosine of the turns into the local frames, A^2; a half-sine's products of")
+lines.append("pi/L and 1/2R, a cubic parabola's abscissa and denominator 6 R Lx),")
+lines.append("bit-identical to the element classes (tests/alignment/test_fast_path.cpp).")
 lines.append("")
-lines.append("Accuracy of the feet: the exact foot (default) continues the element's")
-lines.append("search by Newton steps on the tangency condition until the measured point lies")
-lines.append("less than 1e-7 m along the tangent at the foot (tests assert below 1 µm); the")
-lines.append("element foot (`ProjectionAccuracy::Element`) stops within 0.4 mm along the")
-lines.append("tangent on a transition. Straights and arcs are exact either way.")
+lines.append("Accuracy of the feet: the exact foot (default) takes Newton steps on the")
+lines.append("tangency condition from the station where the element's own search starts")
+lines.append("(after its tests for a point before the start or beyond the end) until the")
+lines.append("measured point lies less than 1e-7 m along the tangent at the foot (tests")
+lines.append("assert below 1 µm); where those steps do not settle well inside the element")
+lines.append("(near the centre of curvature, far off, at an end) the element's damped search")
+lines.append("is run and continued by Newton steps. The element foot")
+lines.append("(`ProjectionAccuracy::Element`) stops within 0.4 mm along the tangent on a")
+lines.append("transition. Straights and arcs are exact either way.")
 lines.append("")
 lines.append("### Stationing cost against the number of elements (`bench_alignment_scaling`)")
 lines.append("")
@@ -292,25 +300,77 @@ lines.append("")
 
 lines.append("### Tool throughput against threads (`zel station`)")
 lines.append("")
-lines.append("`zel station data/sample/alignment.xml` on the sample's points repeated to")
-lines.append("%d points, output to /dev/null (reading, stationing with exact feet, profile" % tool_count)
-lines.append("and tunnel metres, formatting and writing), %s runs each; medians. CPU time is" % repetitions)
-lines.append("user plus system time of the process (`/usr/bin/time`).")
+lines.append("`zel station data/sample/alignment.xml` on %d points made from the sample's" % tool_count)
+lines.append("by `scripts/bench-points.py` (each copy moved by up to 5 cm), output to")
+lines.append("/dev/null: reading, stationing with exact feet, profile and tunnel metres,")
+lines.append("formatting and writing; %s runs each, medians. CPU time is user plus system" % repetitions)
+lines.append("time of the process (`/usr/bin/time`), summed over its threads, so *points/s")
+lines.append("per core* is the number of points over the CPU time. Wall time depends on what")
+lines.append("else the machine runs: the load average before the runs is given beside it.")
+lines.append("With several threads the main thread reads the next batch of 8,192 points")
+lines.append("while the others station and format the last in chunks, taken as the")
+lines.append("threads come free, and the main thread writes the chunks in order. When the")
+lines.append("load average is near or above the number of cores, no core is free for a")
+lines.append("second thread and the wall times cannot show the scaling: the CPU times then")
+lines.append("show what the threads cost in all, and the instruction counts above bound the")
+lines.append("wall time on idle cores.")
 lines.append("")
-lines.append("| threads | CPU time | points/s per core (CPU) | wall time | points/s (wall) |")
-lines.append("|---|---|---|---|---|")
+lines.append("| threads | CPU time | points/s per core (CPU) | wall time | points/s (wall) | load average before |")
+lines.append("|---|---|---|---|---|---|")
 runs = {}
 with open(os.path.join(results, "tool.txt")) as f:
     for line in f:
         parts = line.split()
-        if len(parts) == 4 and parts[0].isdigit():
-            runs.setdefault(int(parts[0]), []).append((float(parts[1]) + float(parts[2]), float(parts[3])))
+        if len(parts) >= 4 and parts[0].isdigit():
+            load = float(parts[4]) if len(parts) >= 5 else float("nan")
+            runs.setdefault(int(parts[0]), []).append((float(parts[1]) + float(parts[2]), float(parts[3]), load))
+side_by_side = []
+with open(os.path.join(results, "tool.txt")) as f:
+    for line in f:
+        parts = line.split()
+        if len(parts) == 2 and parts[0] == "pair":
+            side_by_side.append(float(parts[1]))
 for threads in sorted(runs):
-    cpu_s = median([c for c, _ in runs[threads]])
-    wall_s = median([w for _, w in runs[threads]])
-    lines.append("| %d | %.2f s | %.0f | %.2f s | %.0f |" % (
+    cpu_s = median([c for c, _, _ in runs[threads]])
+    wall_s = median([w for _, w, _ in runs[threads]])
+    load = median([l for _, _, l in runs[threads]])
+    lines.append("| %d | %.2f s | %.0f | %.2f s | %.0f | %.2f |" % (
         threads, cpu_s, tool_count / cpu_s if cpu_s > 0 else 0, wall_s,
-        tool_count / wall_s if wall_s > 0 else 0))
+        tool_count / wall_s if wall_s > 0 else 0, load))
+lines.append("")
+if side_by_side and 1 in runs:
+    single = median([w for _, w, _ in runs[1]])
+    pair = median(side_by_side)
+    lines.append("Cores free for these runs: two one-thread runs side by side took %.2f s against" % pair)
+    lines.append("%.2f s for one alone, so the machine had %.2f cores to give them (2.00 on two" % (single, 2 * single / pair))
+    lines.append("idle cores).")
+    lines.append("")
+
+lines.append("Numbers and rows read and written by the tool (`bench_tool_io`), per number")
+lines.append("or point: the tool's own reading (`ParseDecimal`: one exact multiplication or")
+lines.append("division for up to 19 digits and a power of ten up to 22, else")
+lines.append("`std::from_chars`) and writing (`AppendFixed`: integer digits of the rounded")
+lines.append("scaled value, `std::to_chars` near a tie) against the standard library's")
+lines.append("conversions, which they match bit for bit and byte for byte (checked before")
+lines.append("measuring, and in tests/alignment/test_points_csv.cpp and")
+lines.append("tests/cli/test_format.cpp).")
+lines.append("")
+lines.append("| operation | the tool | standard library | ratio |")
+lines.append("|---|---|---|---|")
+def io_cpu(name):
+    r = row("bench_tool_io", name)
+    return None if r is None or not r["items"] else 1e9 / r["items"]
+for title, ours, theirs in (("reading a coordinate", "BM_Tool_ParseDecimal", "BM_Tool_FromChars"),
+                            ("writing with 4 decimals", "BM_Tool_AppendFixed/4", "BM_Tool_ToCharsFixed/4"),
+                            ("writing with 6 decimals", "BM_Tool_AppendFixed/6", "BM_Tool_ToCharsFixed/6")):
+    a, b = io_cpu(ours), io_cpu(theirs)
+    if a is None or b is None:
+        lines.append("| %s | not measured | | |" % title)
+    else:
+        lines.append("| %s | %s | %s | %.2f |" % (title, fmt(a), fmt(b), a / b))
+rp = io_cpu("BM_Tool_ReadPoints")
+if rp is not None:
+    lines.append("| reading a row of the points file (`PointsCsvReader`, from memory) | %s | – | – |" % fmt(rp))
 lines.append("")
 
 titles = {
@@ -325,6 +385,7 @@ titles = {
     "bench_alignment_stationing": "Alignment stationing on the shipped sample (wall time; points per second over all threads)",
     "bench_alignment_scaling": "Alignment layer against the number of elements",
     "bench_alignment_elements": "Alignment layer per call and element type",
+    "bench_tool_io": "The tool's reading and writing of numbers and rows",
 }
 lines.append("## All benchmarks")
 lines.append("")
@@ -344,7 +405,8 @@ for program in sorted(programs, key=lambda p: list(titles).index(p) if p in titl
     for r in rows:
         note = r["label"]
         if r["items"]:
-            note = (note + "; " if note else "") + "%.0f points/s" % r["items"]
+            unit = "numbers or rows/s" if program == "bench_tool_io" else "points/s"
+            note = (note + "; " if note else "") + "%.0f %s" % (r["items"], unit)
         lines.append("| `%s` | %s | %s | %s |" % (r["name"], fmt(r["cpu"]), fmt(r["real"]), note))
 lines.append("")
 with open(output, "w") as f:

@@ -4,7 +4,8 @@
 // and Lot called literally, over every element of the sample alignment, its
 // mirror image and its reversal (straights, arcs bending both ways, clothoids
 // of all four kinds bending both ways, cubic parabolas and half-sine
-// transitions), at many stations and measured points. Then the exact foot
+// transitions), and over cubic parabolas and half-sine transitions of many
+// shapes, at many stations and measured points. Then the exact foot
 // (along-tangent residual below 1 micrometre), the literal foot still on
 // offer, and projection without a single heap allocation.
 #include <atomic>
@@ -192,6 +193,131 @@ TEST(FastPath, ElementFootIsBitIdenticalToTheElementOperation)
     }
     EXPECT_GT(compared, 20000);
     EXPECT_EQ(results.size(), 4u);  // on, before the start, beyond the end, no solution
+}
+
+namespace {
+
+// Cubic parabolas and half-sine transitions of many shapes, each an alignment
+// of its own: from a straight into a curve and from a curve into a straight
+// (a cubic parabola of that sense is evaluated reversed), bending right and
+// left, short and long, gentle and sharp, in every quadrant of direction and
+// at small and large stations. The end point is placed by the usual
+// approximation of a transition (abscissa L, ordinate L^2 / 6R into a curve,
+// L^2 / 3R out of one), close to where the element's own curve ends.
+std::vector<HorizontalAlignment> const& Transitions()
+{
+    static std::vector<HorizontalAlignment> const all = [] {
+        std::vector<HorizontalAlignment> out;
+        for (ElementType type : {ElementType::CubicParabola, ElementType::HalfSine}) {
+            for (double length : {0.5, 20.0, 60.0, 120.0, 250.0}) {
+                for (double radius : {300.0, -300.0, 900.0, -900.0, 5000.0, -5000.0}) {
+                    for (bool intoCurve : {true, false}) {
+                        for (double azimuth : {0.3, 2.0, 4.0, 5.9}) {
+                            for (double startStation : {0.0, 12345.678}) {
+                                double const y = length * length / ((intoCurve ? 6.0 : 3.0) * radius);
+                                double const e0 = 2600000.0 + 37.0 * azimuth;
+                                double const n0 = 1200000.0 - 11.0 * azimuth;
+                                double const e1 = e0 + length * std::sin(azimuth) + y * std::cos(azimuth);
+                                double const n1 = n0 + length * std::cos(azimuth) - y * std::sin(azimuth);
+                                out.emplace_back(std::vector<HorizontalElement>{HorizontalElement::Transition(
+                                    type, startStation, length, zelmath::CACoordinate(e0, n0),
+                                    zelmath::CACoordinate(e1, n1), intoCurve ? 0.0 : radius, intoCurve ? radius : 0.0)});
+                            }
+                        }
+                    }
+                }
+            }
+        }
+        return out;
+    }();
+    return all;
+}
+
+}  // namespace
+
+TEST(FastPath, TransitionsOfEveryShapeGiveTheElementOperationsBits)
+{
+    long points = 0;
+    long feet = 0;
+    std::set<std::pair<int, int>> shapes;  // (type, complex type)
+    std::set<int> results;
+    for (HorizontalAlignment const& a : Transitions()) {
+        HorizontalElement const& e = a.Elements()[0];
+        shapes.insert({static_cast<int>(e.type), e.spec.ComplexType});
+        for (double s : StationsOf(e)) {
+            ASSERT_TRUE(SamePoint(a.ElementPoint(0, s), a.LiteralElementPoint(0, s)))
+                << zelalign::ElementTypeName(e.type) << " kind " << e.spec.ComplexType << " R "
+                << e.spec.Start.Radius.Double() << "/" << e.spec.End.Radius.Double() << " station " << std::hexfloat
+                << s;
+            ++points;
+        }
+        double const step = e.Length() / 7.0;
+        for (double s = e.StartStation() - 2.0 * step; s <= e.EndStation() + 2.0 * step; s += step) {
+            AlignmentPoint const p = a.LiteralElementPoint(0, s);
+            for (double offset : Offsets()) {
+                double east = 0.0;
+                double north = 0.0;
+                Beside(p, offset, &east, &north);
+                AlignmentPoint fast;
+                AlignmentPoint literal;
+                int const rf = a.ElementFoot(0, east, north, ProjectionAccuracy::Element, &fast);
+                int const rl = a.LiteralElementFoot(0, east, north, &literal);
+                ASSERT_EQ(rf, rl) << zelalign::ElementTypeName(e.type) << " kind " << e.spec.ComplexType;
+                ASSERT_TRUE(SamePoint(fast, literal))
+                    << zelalign::ElementTypeName(e.type) << " kind " << e.spec.ComplexType << " R "
+                    << e.spec.Start.Radius.Double() << "/" << e.spec.End.Radius.Double() << " offset " << offset
+                    << " result " << rl;
+                results.insert(rl);
+                ++feet;
+            }
+        }
+    }
+    // Both senses of both types were built, and every kind of result met.
+    EXPECT_EQ(shapes.size(), 4u);
+    EXPECT_EQ(results.size(), 4u);  // on, before the start, beyond the end, no solution
+    EXPECT_GT(points, 100000);
+    EXPECT_GT(feet, 100000);
+}
+
+// The exact foot on transitions of every shape: the same result as the element
+// search (on the element, before its start, beyond its end), a foot on the
+// element's own curve with the measured point less than 1 micrometre along
+// its tangent, never farther from the point than the element search's foot,
+// and the same station as that foot within the element search's 0.4 mm.
+TEST(FastPath, ExactFootOnTransitionsOfEveryShape)
+{
+    int on = 0;
+    for (HorizontalAlignment const& a : Transitions()) {
+        HorizontalElement const& e = a.Elements()[0];
+        for (int k = 1; k < 12; ++k) {
+            AlignmentPoint const p = a.LiteralElementPoint(0, e.StartStation() + e.Length() * k / 12.0);
+            for (double offset : {0.0, 0.4, -0.4, 3.0, -3.0, 40.0, -40.0, 650.0, -650.0}) {
+                double east = 0.0;
+                double north = 0.0;
+                Beside(p, offset, &east, &north);
+                AlignmentPoint exact;
+                AlignmentPoint literal;
+                int const r = a.ElementFoot(0, east, north, ProjectionAccuracy::Exact, &exact);
+                ASSERT_EQ(r, a.LiteralElementFoot(0, east, north, &literal))
+                    << zelalign::ElementTypeName(e.type) << " kind " << e.spec.ComplexType << " offset " << offset;
+                if (r != TPointMathResult::OnElement) {
+                    continue;
+                }
+                AlignmentPoint const onCurve = a.LiteralElementPoint(0, exact.station);
+                EXPECT_TRUE(SamePoint(exact, onCurve)) << zelalign::ElementTypeName(e.type);
+                double along = 0.0;
+                double across = 0.0;
+                Residual(exact, east, north, &along, &across);
+                ASSERT_LT(std::fabs(along), 1e-6)
+                    << zelalign::ElementTypeName(e.type) << " kind " << e.spec.ComplexType << " offset " << offset;
+                EXPECT_LE(std::hypot(east - exact.east, north - exact.north),
+                          std::hypot(east - literal.east, north - literal.north) + 1e-9);
+                EXPECT_NEAR(exact.station, literal.station, 4.01e-4 * 4);
+                ++on;
+            }
+        }
+    }
+    EXPECT_GT(on, 30000);
 }
 
 TEST(FastPath, ExactFootLiesWithinAMicrometreAlongTheTangent)

@@ -7,9 +7,17 @@
 #include <zelalign/message.h>
 #include <zelalign/readers/points_csv.h>
 
+#include "common/allocation_counter.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <random>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -399,4 +407,162 @@ TEST(PointsCsvMessages, QuotedAndFileLine)
     EXPECT_EQ(Quoted(umlauts), "'" + umlauts.substr(0, 160) + "...'");
     EXPECT_EQ(FileLine("a.csv", 12), "a.csv:12");
     EXPECT_EQ(FileLine("a.csv", 0), "a.csv");
+}
+
+namespace {
+
+// The double that std::from_chars reads from text (the exactly rounding
+// reference), with a leading plus sign dropped as from_chars takes none.
+double FromChars(std::string const& text)
+{
+    std::string_view s(text);
+    if (!s.empty() && s.front() == '+') {
+        s.remove_prefix(1);
+    }
+    double v = std::numeric_limits<double>::quiet_NaN();
+    std::from_chars_result const r = std::from_chars(s.data(), s.data() + s.size(), v);
+    EXPECT_TRUE(r.ec == std::errc() && r.ptr == s.data() + s.size()) << text;
+    return v;
+}
+
+std::uint64_t Bits(double v)
+{
+    std::uint64_t b = 0;
+    std::memcpy(&b, &v, sizeof b);
+    return b;
+}
+
+}  // namespace
+
+// Every decimal, however many digits and whatever its exponent, is read to
+// the same double, bit for bit, as the standard library's exactly rounding
+// reading: the short coordinates of a survey by the quick path, the others
+// by std::from_chars.
+TEST(PointsCsv, DecimalsReadExactlyAsTheStandardLibrary)
+{
+    std::mt19937_64 rng(1616);
+    std::uniform_int_distribution<int> digitCount(1, 22);
+    std::uniform_int_distribution<int> digit(0, 9);
+    std::uniform_int_distribution<int> coin(0, 3);
+    std::uniform_int_distribution<int> exponent(-30, 30);
+    for (int i = 0; i < 300000; ++i) {
+        std::string text;
+        int const sign = coin(rng);
+        text += sign == 0 ? "-" : sign == 1 ? "+" : "";
+        int const whole = digitCount(rng) - 4;
+        for (int k = 0; k < whole; ++k) {
+            text += static_cast<char>('0' + digit(rng));
+        }
+        int const fraction = coin(rng) == 0 ? 0 : digitCount(rng) - 2;
+        if (fraction > 0 || whole <= 0) {
+            text += '.';
+            for (int k = 0; k < std::max(fraction, whole <= 0 ? 1 : 0); ++k) {
+                text += static_cast<char>('0' + digit(rng));
+            }
+        }
+        if (coin(rng) == 0) {
+            text += coin(rng) == 0 ? "E" : "e";
+            int const e = exponent(rng);
+            text += e < 0 ? "-" : coin(rng) == 0 ? "+" : "";
+            text += std::to_string(std::abs(e));
+        }
+        double v = 0.0;
+        ASSERT_EQ(ParseDecimal(text, &v), DecimalResult::Ok) << text;
+        ASSERT_EQ(Bits(v), Bits(FromChars(text))) << text;
+    }
+    // Survey coordinates with 0 to 6 decimals, and their last digit moved by one.
+    std::uniform_int_distribution<std::int64_t> units(-9000000000000LL, 9000000000000LL);
+    for (int i = 0; i < 300000; ++i) {
+        std::string text = std::to_string(units(rng));
+        std::size_t const decimals = static_cast<std::size_t>(i % 7);
+        bool const negative = text[0] == '-';
+        std::string digits = negative ? text.substr(1) : text;
+        if (digits.size() <= decimals) {
+            digits.insert(0, decimals + 1 - digits.size(), '0');
+        }
+        if (decimals > 0) {
+            digits.insert(digits.size() - decimals, ".");
+        }
+        text = (negative ? "-" : "") + digits;
+        double v = 0.0;
+        ASSERT_EQ(ParseDecimal(text, &v), DecimalResult::Ok) << text;
+        ASSERT_EQ(Bits(v), Bits(FromChars(text))) << text;
+    }
+    // Worked by hand: 2602173.4875 = 26021734875 / 10^4; 0.1 is not a double,
+    // 1/10 rounded is; a negative zero keeps its sign.
+    double v = 0.0;
+    ASSERT_EQ(ParseDecimal("2602173.4875", &v), DecimalResult::Ok);
+    EXPECT_EQ(v, 26021734875.0 / 10000.0);
+    ASSERT_EQ(ParseDecimal("0.1", &v), DecimalResult::Ok);
+    EXPECT_EQ(v, 1.0 / 10.0);
+    ASSERT_EQ(ParseDecimal("-0.000", &v), DecimalResult::Ok);
+    EXPECT_TRUE(v == 0.0 && std::signbit(v));
+    ASSERT_EQ(ParseDecimal("12345678901234567890", &v), DecimalResult::Ok);  // beyond 2^53: from_chars
+    EXPECT_EQ(v, 12345678901234567890.0);
+}
+
+// Rows read where they lie in the read buffer and rows that cross from one
+// read to the next come out alike: every point and every row's text as written.
+TEST(PointsCsv, RowsAcrossManyReadChunks)
+{
+    std::ostringstream text;
+    std::vector<std::string> rows;
+    char const* const endings[] = {"\n", "\r\n", "\r"};
+    for (int i = 0; i < 30000; ++i) {
+        std::string row = "P" + std::to_string(i) + std::string(static_cast<std::size_t>(i % 13), 'x') + "," +
+                          std::to_string(2600000 + i) + "." + std::to_string(1000 + i % 9000) + "," +
+                          std::to_string(1200000 - i) + ".5," + std::to_string(i % 500);
+        rows.push_back(row);
+        text << row << endings[i % 3];
+    }
+    std::string const all = text.str();
+    ASSERT_GT(all.size(), std::size_t{10} << 16);  // many reads of 64 KiB
+    std::istringstream in(all);
+    PointsCsvReader reader(in, "many.csv");
+    MeasuredPoint p;
+    for (int i = 0; i < 30000; ++i) {
+        ASSERT_EQ(reader.Next(&p), PointsCsvReader::Row::Point) << i;
+        ASSERT_EQ(reader.RowText(), rows[static_cast<std::size_t>(i)]) << i;
+        ASSERT_EQ(p.id, "P" + std::to_string(i) + std::string(static_cast<std::size_t>(i % 13), 'x'));
+        // The decimal as one integer over 10^4: a single, exactly rounded division.
+        ASSERT_EQ(p.east, static_cast<double>((2600000LL + i) * 10000 + 1000 + i % 9000) / 10000.0) << i;
+        ASSERT_EQ(p.north, 1200000 - i + 0.5) << i;
+        ASSERT_EQ(p.height, i % 500) << i;
+    }
+    EXPECT_EQ(reader.Next(&p), PointsCsvReader::Row::End);
+    EXPECT_EQ(reader.Counts().points, 30000);
+    EXPECT_EQ(reader.Counts().lines, 30000);
+}
+
+// Once the first rows have given the reader's buffers and the point's id their
+// size, rows of the same shape are read without a single heap allocation,
+// those that cross from one 64 KiB read into the next included.
+TEST(PointsCsv, RowsAreReadWithoutAllocating)
+{
+    std::string text = "id,east,north,height\n";
+    char row[96];
+    int const rows = 30000;
+    for (int i = 0; i < rows; ++i) {
+        std::snprintf(row, sizeof row, "LONG-POINT-NAME-%06d,%.4f,%.4f,%.4f%s", i, 2600000.0 + 0.37 * i,
+                      1200000.0 - 0.11 * i, 400.0 + 0.001 * (i % 1000), i % 2 == 0 ? "\n" : "\r\n");
+        text += row;
+    }
+    std::istringstream in(text);
+    PointsCsvReader reader(in, "same_shape.csv");
+    MeasuredPoint p;
+    int const warmUp = 5000;  // three reads of 64 KiB: every buffer has met a row
+    for (int i = 0; i < warmUp; ++i) {
+        ASSERT_EQ(reader.Next(&p), PointsCsvReader::Row::Point);
+    }
+    int read = 0;
+    double last = 0.0;
+    long const counted = AllocationsDuring([&] {
+        while (reader.Next(&p) == PointsCsvReader::Row::Point) {
+            ++read;
+            last = p.east;
+        }
+    });
+    EXPECT_EQ(counted, 0);
+    EXPECT_EQ(read, rows - warmUp);
+    EXPECT_EQ(last, std::stod("2611099.6300"));  // 2600000 + 0.37 * 29999 written with 4 decimals
 }

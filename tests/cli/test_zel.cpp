@@ -117,6 +117,98 @@ TEST(ZelCliSample, ThreadsGiveIdenticalOutput)
     EXPECT_EQ(x, Read(many));
 }
 
+// Several batches of rows, stationed and formatted on several threads: the
+// same table, CSV and GeoJSON, as on one thread; and a point read again later
+// in the file gives the same row again.
+TEST(ZelCliSample, ThreadsGiveIdenticalOutputOverManyBatches)
+{
+    std::string const points = Temp("copies.csv");
+    std::vector<std::string> const rows = Lines(Read(Sample + "points.csv"));
+    std::string text = rows[0] + "\n";
+    int const copies = 7;  // 21,028 points: several batches of rows
+    for (int k = 0; k < copies; ++k) {
+        for (std::size_t i = 1; i < rows.size(); ++i) {
+            text += "K" + std::to_string(k) + rows[i] + "\n";
+        }
+    }
+    {
+        std::ofstream f(points, std::ios::binary);
+        f << text;
+    }
+    for (char const* format : {"csv", "geojson"}) {
+        std::string const one = Temp(std::string("one.") + format);
+        std::string const many = Temp(std::string("many.") + format);
+        Result const a = Zel("station " + Sample + "alignment.xml " + points + " --format " + format +
+                             " --threads 1 -o " + one);
+        Result const b = Zel("station " + Sample + "alignment.xml " + points + " --format " + format +
+                             " -j 3 -o " + many);
+        ASSERT_EQ(a.status, 0) << a.err;
+        ASSERT_EQ(b.status, 0) << b.err;
+        std::string const x = Read(one);
+        EXPECT_EQ(x, Read(many)) << format;
+        if (std::string(format) == "csv") {
+            std::vector<std::string> const lines = Lines(x);
+            std::size_t const n = rows.size() - 1;
+            ASSERT_EQ(lines.size(), 1 + copies * n);
+            for (std::size_t i = 1; i <= n; ++i) {
+                std::string const first = lines[i].substr(lines[i].find(','));
+                EXPECT_EQ(lines[(copies - 1) * n + i].substr(lines[(copies - 1) * n + i].find(',')), first) << i;
+            }
+        }
+    }
+}
+
+// A rejected row deep in a long file, read while a worker stations the batch
+// before it: stopping there writes every row before it, skipping it writes all
+// the others; standard output, the messages and the reject file are the same
+// on one thread as on three.
+TEST(ZelCliSample, RejectedRowsAmidBatchesOnSeveralThreads)
+{
+    std::string const points = Temp("bad_deep.csv");
+    std::vector<std::string> const rows = Lines(Read(Sample + "points.csv"));
+    std::string text = rows[0] + "\n";
+    int const copies = 6;  // 18,024 points: the bad rows come in the second and third batch
+    for (int k = 0; k < copies; ++k) {
+        for (std::size_t i = 1; i < rows.size(); ++i) {
+            text += "K" + std::to_string(k) + rows[i] + "\n";
+            if (k == 3 && i == 100) {
+                text += "BAD1,2600000.0,12x00000.0,400.0\n";
+            }
+            if (k == 5 && i == 7) {
+                text += "BAD2,,1200000.0\n";
+            }
+        }
+    }
+    {
+        std::ofstream f(points, std::ios::binary);
+        f << text;
+    }
+    std::size_t const before = 3 * (rows.size() - 1) + 100;  // points before the first bad row
+    Result const stop1 = Zel("station " + Sample + "alignment.xml " + points + " --threads 1");
+    Result const stop3 = Zel("station " + Sample + "alignment.xml " + points + " --threads 3");
+    EXPECT_NE(stop1.status, 0);
+    EXPECT_EQ(stop1.status, stop3.status);
+    EXPECT_EQ(Lines(stop1.out).size(), 1 + before);
+    EXPECT_EQ(stop1.out, stop3.out);
+    EXPECT_EQ(stop1.err, stop3.err);
+    EXPECT_NE(stop1.err.find("12x00000.0"), std::string::npos) << stop1.err;
+
+    std::string const rejects1 = Temp("rejects1.csv");
+    std::string const rejects3 = Temp("rejects3.csv");
+    Result const skip1 =
+        Zel("station " + Sample + "alignment.xml " + points + " --bad-rows skip --threads 1 --reject-file " + rejects1);
+    Result const skip3 =
+        Zel("station " + Sample + "alignment.xml " + points + " --bad-rows skip -j 3 --reject-file " + rejects3);
+    ASSERT_EQ(skip1.status, 0) << skip1.err;
+    ASSERT_EQ(skip3.status, 0) << skip3.err;
+    EXPECT_EQ(Lines(skip1.out).size(), 1 + copies * (rows.size() - 1));
+    EXPECT_EQ(skip1.out, skip3.out);
+    EXPECT_EQ(Read(rejects1), Read(rejects3));
+    EXPECT_NE(Read(rejects1).find("BAD2,,1200000.0"), std::string::npos);
+    // The first bad row's point was not written; the rows before and after it were.
+    EXPECT_EQ(stop1.out, skip1.out.substr(0, stop1.out.size()));
+}
+
 TEST_F(ZelCli, PointAtStationsAndSettingOutTable)
 {
     Result r = Zel("point " + alignment + " --at 50 --at 178.53981633974483 --angle-unit deg");

@@ -1,18 +1,22 @@
 #include "batch_runner.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <thread>
 #include <vector>
 
 #include <unistd.h>
 
+#include <zelalign/batch.h>
 #include <zelalign/error.h>
 #include <zelalign/readers/points_csv.h>
 #include <zelalign/stationed_point.h>
@@ -27,6 +31,9 @@ namespace {
 
 // Rows read, stationed in parallel and written per batch.
 constexpr std::size_t BatchRows = 8192;
+// Chunks of a batch per thread: enough that a thread held back by the system
+// leaves the others work to take, few enough that a chunk is hundreds of rows.
+constexpr std::size_t ChunksPerThread = 8;
 // A progress bar appears on a terminal once a run has taken this long.
 constexpr double ProgressDelaySeconds = 2.0;
 constexpr int ProgressBarWidth = 40;
@@ -131,6 +138,26 @@ std::string Skipped(zelalign::PointsCsvCounts const& c)
     return s + (lines == 1 ? " line" : " lines");
 }
 
+// The measured points of one batch, their results, and (with several threads)
+// the formatted rows of each thread's share.
+struct Batch {
+    std::vector<zelalign::MeasuredPoint> points;
+    std::vector<double> east, north, height;
+    std::vector<zelalign::NearestStationedPoint> result;
+    std::vector<TableWriter> shares;  // the rows of each chunk
+    std::size_t n = 0;      // points in the batch
+    std::size_t parts = 0;  // chunks holding rows
+
+    void Reserve(std::size_t rows)
+    {
+        points.resize(rows);
+        east.resize(rows);
+        north.resize(rows);
+        height.resize(rows);
+        result.resize(rows);
+    }
+};
+
 }  // namespace
 
 int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const& run, OutputOptions const& options,
@@ -189,52 +216,143 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
     Progress progress(run.pointsPath);
     zelalign::PointsCsvReader reader(*in, pointsName);
 
-    std::vector<zelalign::MeasuredPoint> points(BatchRows);
-    std::vector<double> east(BatchRows), north(BatchRows), height(BatchRows);
-    std::vector<zelalign::NearestStationedPoint> result(BatchRows);
-    std::size_t n = 0;
     long long written = 0;
     bool stopped = false;
     bool rejectHeaderWritten = false;
 
-    auto flush = [&] {
-        if (n == 0) {
+    // One row of the table for point i of a batch.
+    auto writeRow = [&](TableWriter& t, Batch const& batch, std::size_t i) {
+        zelalign::StationedPoint const& r = batch.result[i].point;
+        // A point with no alignment near enough is written against the first.
+        zelalign::Alignment const& alignment =
+            alignments.Alignments()[static_cast<std::size_t>(std::max(batch.result[i].alignment, 0))];
+        t.Text(batch.points[i].id);
+        if (run.nearestOfAll) {
+            t.Text(batch.result[i].alignment >= 0 ? std::string_view(alignment.Name()) : std::string_view());
+        }
+        if (r.element >= 0) {
+            t.Integer(r.element).Text(zelalign::ElementTypeName(r.type));
+        } else {
+            t.Text("").Text("");
+        }
+        WriteStationCells(t, alignment, withEquations, options, r.station, r.displayedStation, r.region);
+        t.Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
+            .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
+            .Number(r.radius, LengthDecimals)
+            .Number(r.designHeight, LengthDecimals)
+            .Number(r.heightDifference, LengthDecimals)
+            .Number(r.tunnelMetre, LengthDecimals);
+        if (withCant) {
+            t.Number(r.appliedCant, LengthDecimals);
+        }
+        t.Text(zelalign::ProjectionStatusName(r.status));
+        t.SetPoint(batch.east[i], batch.north[i], batch.height[i]);
+        t.EndRow();
+    };
+
+    // Stations a batch and formats its rows. On one thread the rows go straight
+    // to the table. With several, the batch is cut into consecutive chunks,
+    // which the threads take one after the other as they come free (a thread
+    // that the system holds back delays the batch by a chunk, not by a share
+    // of it); each chunk is stationed and formatted into a buffer of its own,
+    // for the main thread to write in order: the table is the same whatever
+    // the thread count.
+    unsigned const threads = std::max(run.threads, 1u);
+    auto process = [&](Batch& batch, long long rowsBefore) {
+        std::size_t const count = batch.n;
+        if (threads == 1) {
+            alignments.Station(count, batch.east.data(), batch.north.data(), batch.height.data(),
+                               batch.result.data(), 1, run.maxOffset);
+            for (std::size_t i = 0; i < count; ++i) {
+                writeRow(*table, batch, i);
+            }
+            return;
+        }
+        std::size_t const chunks = std::min<std::size_t>(std::size_t{threads} * ChunksPerThread, count);
+        batch.parts = chunks;
+        std::size_t const workers = std::min<std::size_t>(threads, chunks);
+        std::atomic<std::size_t> next{0};
+        zelalign::ParallelFor(workers, static_cast<unsigned>(workers), [&](std::size_t, std::size_t) {
+            for (std::size_t k = next++; k < chunks; k = next++) {
+                std::size_t const lo = count * k / chunks;
+                std::size_t const hi = count * (k + 1) / chunks;
+                alignments.Station(hi - lo, batch.east.data() + lo, batch.north.data() + lo,
+                                   batch.height.data() + lo, batch.result.data() + lo, 1, run.maxOffset);
+                batch.shares[k].StartRows(rowsBefore + static_cast<long long>(lo));
+                for (std::size_t i = lo; i < hi; ++i) {
+                    writeRow(batch.shares[k], batch, i);
+                }
+            }
+        });
+    };
+    auto done = [&](Batch& batch) {
+        for (std::size_t k = 0; k < batch.parts; ++k) {
+            table->WriteRows(batch.shares[k]);
+        }
+        batch.parts = 0;
+        written += static_cast<long long>(batch.n);
+        batch.n = 0;
+        auto const pos = in->tellg();
+        progress.Update(pos < 0 ? 0.0 : static_cast<double>(pos));
+    };
+
+    // Two batches: with several threads one is stationed and formatted by a
+    // worker while the main thread reads the next into the other.
+    Batch batches[2];
+    for (Batch& batch : batches) {
+        batch.Reserve(BatchRows);
+    }
+    Batch* filling = &batches[0];
+    Batch* working = nullptr;
+    std::thread worker;
+    std::exception_ptr workerError;
+    struct JoinOnExit {
+        std::thread& t;
+        ~JoinOnExit()
+        {
+            if (t.joinable()) {
+                t.join();
+            }
+        }
+    } joinOnExit{worker};
+    // Waits for the batch in work and writes its rows.
+    auto finishWork = [&] {
+        if (working == nullptr) {
+            return;
+        }
+        worker.join();
+        if (workerError) {
+            std::rethrow_exception(workerError);
+        }
+        done(*working);
+        working = nullptr;
+    };
+    // Hands the batch being filled to the worker (to this thread with one
+    // thread) and begins filling the other.
+    auto submit = [&] {
+        if (filling->n == 0) {
             return;
         }
         begin();
-        alignments.Station(n, east.data(), north.data(), height.data(), result.data(), run.threads, run.maxOffset);
-        for (std::size_t i = 0; i < n; ++i) {
-            zelalign::StationedPoint const& r = result[i].point;
-            // A point with no alignment near enough is written against the first.
-            zelalign::Alignment const& alignment =
-                alignments.Alignments()[static_cast<std::size_t>(std::max(result[i].alignment, 0))];
-            table->Text(points[i].id);
-            if (run.nearestOfAll) {
-                table->Text(result[i].alignment >= 0 ? alignment.Name() : std::string());
-            }
-            if (r.element >= 0) {
-                table->Integer(r.element).Text(zelalign::ElementTypeName(r.type));
-            } else {
-                table->Text("").Text("");
-            }
-            WriteStationCells(*table, alignment, withEquations, options, r.station, r.displayedStation, r.region);
-            table->Number(zelalign::SignedOffset(r, options.offsetSide), LengthDecimals)
-                .Number(AngleIn(r.azimuth, options.angleUnit), AngleDecimals(options.angleUnit))
-                .Number(r.radius, LengthDecimals)
-                .Number(r.designHeight, LengthDecimals)
-                .Number(r.heightDifference, LengthDecimals)
-                .Number(r.tunnelMetre, LengthDecimals);
-            if (withCant) {
-                table->Number(r.appliedCant, LengthDecimals);
-            }
-            table->Text(zelalign::ProjectionStatusName(r.status));
-            table->SetPoint(east[i], north[i], height[i]);
-            table->EndRow();
+        if (threads == 1) {
+            process(*filling, written);
+            done(*filling);
+            return;
         }
-        written += static_cast<long long>(n);
-        n = 0;
-        auto const pos = in->tellg();
-        progress.Update(pos < 0 ? 0.0 : static_cast<double>(pos));
+        finishWork();
+        while (filling->shares.size() < std::min<std::size_t>(std::size_t{threads} * ChunksPerThread, BatchRows)) {
+            filling->shares.push_back(table->RowBuffer());
+        }
+        working = filling;
+        filling = working == &batches[0] ? &batches[1] : &batches[0];
+        long long const rowsBefore = written;
+        worker = std::thread([&process, &workerError, batch = working, rowsBefore] {
+            try {
+                process(*batch, rowsBefore);
+            } catch (...) {
+                workerError = std::current_exception();
+            }
+        });
     };
 
     // A rejected row into the reject file: the reason as a comment, then the row
@@ -257,8 +375,8 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
     };
 
     try {
-        for (auto row = reader.Next(&points[n]); row != zelalign::PointsCsvReader::Row::End;
-             row = reader.Next(&points[n])) {
+        for (auto row = reader.Next(&filling->points[filling->n]); row != zelalign::PointsCsvReader::Row::End;
+             row = reader.Next(&filling->points[filling->n])) {
             if (row == zelalign::PointsCsvReader::Row::Rejected) {
                 reject();
                 if (run.badRows == BadRows::Stop) {
@@ -271,11 +389,12 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
                 }
                 continue;
             }
-            east[n] = points[n].east;
-            north[n] = points[n].north;
-            height[n] = points[n].height;
-            if (++n == BatchRows) {
-                flush();
+            std::size_t const i = filling->n;
+            filling->east[i] = filling->points[i].east;
+            filling->north[i] = filling->points[i].north;
+            filling->height[i] = filling->points[i].height;
+            if (++filling->n == BatchRows) {
+                submit();
             }
         }
     } catch (zelalign::IoError const& e) {
@@ -283,7 +402,8 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
     } catch (zelalign::DataError const& e) {
         throw Failure(ExitBadData, e.what());
     }
-    flush();
+    submit();
+    finishWork();
     progress.Finish();
     zelalign::PointsCsvCounts const& c = reader.Counts();
     if (c.Rows() == 0) {

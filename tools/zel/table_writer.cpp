@@ -1,7 +1,9 @@
 #include "table_writer.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "format.h"
 
@@ -47,7 +49,14 @@ namespace {
 // quotes doubled.
 void AppendCsvText(std::string& out, std::string_view text, char separator)
 {
-    if (text.find_first_of(std::string{separator, '"', '\n', '\r'}) == std::string_view::npos) {
+    bool plain = true;
+    for (char c : text) {
+        if (c == separator || c == '"' || c == '\n' || c == '\r') {
+            plain = false;
+            break;
+        }
+    }
+    if (plain) {
         out.append(text.data(), text.size());
         return;
     }
@@ -65,7 +74,7 @@ void AppendCsvText(std::string& out, std::string_view text, char separator)
 
 TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::string> columns,
                          std::string const& collectionMembers)
-    : m_out(out), m_format(format), m_columns(std::move(columns))
+    : m_out(&out), m_format(format), m_columns(std::move(columns))
 {
     m_row.reserve(1024);
     if (m_format == TableFormat::GeoJson) {
@@ -75,7 +84,7 @@ TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::strin
             key += ':';
             m_keys.push_back(key);
         }
-        m_out.Write("{\"type\":\"FeatureCollection\"," + collectionMembers + "\"features\":[\n");
+        m_out->Write("{\"type\":\"FeatureCollection\"," + collectionMembers + "\"features\":[\n");
         return;
     }
     char const separator = m_format == TableFormat::Tsv ? '\t' : ',';
@@ -86,8 +95,41 @@ TableWriter::TableWriter(Output& out, TableFormat format, std::vector<std::strin
         m_row += m_columns[i];
     }
     m_row += '\n';
-    m_out.Write(m_row);
+    m_out->Write(m_row);
     m_row.clear();
+}
+
+TableWriter::TableWriter(TableFormat format, std::vector<std::string> keys)
+    : m_out(nullptr), m_format(format), m_keys(std::move(keys))
+{
+    m_row.reserve(1024);
+}
+
+TableWriter TableWriter::RowBuffer() const
+{
+    return TableWriter(m_format, m_keys);
+}
+
+void TableWriter::StartRows(long long rowsBefore)
+{
+    m_rows = rowsBefore;
+}
+
+void TableWriter::WriteRows(TableWriter& buffer)
+{
+    m_out->Write(buffer.m_buffer);
+    buffer.m_buffer.clear();
+    m_rows += buffer.m_bufferedRows;
+    buffer.m_bufferedRows = 0;
+}
+
+void TableWriter::Emit(std::string_view text)
+{
+    if (m_out != nullptr) {
+        m_out->Write(text);
+    } else {
+        m_buffer.append(text.data(), text.size());
+    }
 }
 
 void TableWriter::Separator()
@@ -121,7 +163,9 @@ TableWriter& TableWriter::Integer(long long value)
     if (m_format == TableFormat::GeoJson) {
         Key();
     }
-    m_row += std::to_string(value);
+    char buf[24];
+    std::to_chars_result const r = std::to_chars(buf, buf + sizeof buf, value);
+    m_row.append(buf, static_cast<std::size_t>(r.ptr - buf));
     ++m_cell;
     return *this;
 }
@@ -169,23 +213,24 @@ void TableWriter::EndRow()
             feature += "null";
         }
         feature += ",\"properties\":{";
-        m_out.Write(feature);
-        m_out.Write(m_row);
-        m_out.Write("}}");
+        Emit(feature);
+        Emit(m_row);
+        Emit("}}");
     } else {
         m_row += '\n';
-        m_out.Write(m_row);
+        Emit(m_row);
     }
     m_row.clear();
     m_cell = 0;
-    m_point[0] = m_point[1] = m_point[2] = std::nan("");
+    m_point[0] = m_point[1] = m_point[2] = std::numeric_limits<double>::quiet_NaN();
     ++m_rows;
+    ++m_bufferedRows;
 }
 
 void TableWriter::Finish()
 {
     if (m_format == TableFormat::GeoJson) {
-        m_out.Write("\n]}\n");
+        m_out->Write("\n]}\n");
     }
 }
 

@@ -38,11 +38,26 @@ public:
     // Ends the table (closes the GeoJSON collection); the output is not closed.
     void Finish();
 
+    // A writer of rows of this table into memory, for rows formatted on
+    // another thread: no header; its rows go to the table's output by
+    // WriteRows, in the order the caller chooses. StartRows tells it how many
+    // rows of the table come before its next one (a GeoJSON feature but the
+    // first is preceded by a comma).
+    TableWriter RowBuffer() const;
+    void StartRows(long long rowsBefore);
+    // Hands the rows gathered by a row buffer to this table's output and
+    // empties the buffer (its memory is kept for the next rows).
+    void WriteRows(TableWriter& buffer);
+
 private:
+    TableWriter(TableFormat format, std::vector<std::string> keys);
     void Separator();
     void Key();
+    void Emit(std::string_view text);
 
-    Output& m_out;
+    Output* m_out;  // null for a row buffer
+    std::string m_buffer;  // the rows of a row buffer
+    long long m_bufferedRows = 0;
     TableFormat m_format;
     std::vector<std::string> m_columns;
     std::vector<std::string> m_keys;  // "\"name\":" for GeoJSON

@@ -262,6 +262,16 @@ constexpr double HalfPi = zellib::CAPidiv2;
 // fast-path test fails should the two drift apart).
 constexpr double ClothoidEndTolerance = 0.0005;
 
+// The half-sine's own constants, kept to itself by CMathHalfSin (the
+// fast-path test fails should they drift apart): the step of the tangent's
+// forward difference (metres), the damping of the foot search (the step is
+// the along-tangent distance over the offset / HalfSineOffsetPerDivisor, at
+// least HalfSineMinDivisor) and its step limit.
+constexpr double HalfSineTangentStep = 0.001;
+constexpr double HalfSineOffsetPerDivisor = 125.0;
+constexpr double HalfSineMinDivisor = 2.1;
+constexpr int HalfSineMaxSteps = 32766;
+
 // zellib::NormalizeAngle with its fmod taken only where it changes the value:
 // fmod(x, 2 pi) is x itself on [0, 2 pi) and on (-2 pi, 0), and the exact
 // difference x - 2 pi on [2 pi, 4 pi) (Sterbenz). Same bits for every input.
@@ -485,9 +495,10 @@ int ArcLot(PreparedElement const& c, double east, double north, AlignmentPoint* 
     return TPointMathResult::OnElement;
 }
 
-int ClothoidLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+// The end tests of CMathClothoid::Lot: BeforeStart or BeyondEnd with the end
+// point, or SearchOnElement with the first trial station of its iteration.
+int ClothoidEnds(PreparedElement const& c, double east, double north, AlignmentPoint* out, double* first)
 {
-    using namespace zelmath::horizontal_detail;
     double const ve = east - c.endEast;
     double const vn = north - c.endNorth;
     if (TolGreater(ve * c.endTangentCos - vn * c.endTangentSin, ClothoidEndTolerance)) {
@@ -501,8 +512,19 @@ int ClothoidLot(PreparedElement const& c, double east, double north, AlignmentPo
         ClothoidPoint(c, c.startStation, out);
         return TPointMathResult::BeforeStart;
     }
+    *first = c.startStation + fromStart;
+    return SearchOnElement;
+}
+
+int ClothoidLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    using namespace zelmath::horizontal_detail;
+    double s = 0.0;
+    int const ends = ClothoidEnds(c, east, north, out, &s);
+    if (ends != SearchOnElement) {
+        return ends;
+    }
     // CMathClothoid::Iterate.
-    double s = c.startStation + fromStart;
     for (int step = 1; step <= MaxFootSteps; ++step) {
         if (!TolGreater(s, c.startStation)) {
             s = c.startStation + StationInset;
@@ -717,6 +739,315 @@ bool PrepareClothoid(CAxisComplexSpec const& spec, PreparedElement* c)
     return true;
 }
 
+// ------------------------------------------------- cubic parabola, half-sine
+
+// The straight-into-curve cubic parabola as CMathCbcParabol::Kleinpunkt
+// evaluates it, on the element itself or on its reversal; station in the
+// stations of the evaluated element.
+void CubicPoint(PreparedElement const& c, double station, AlignmentPoint* out)
+{
+    double const offset = station - c.startStation;
+    double const x = c.abscissa * (offset / c.spanMagnitude);
+    double const y = -std::pow(x, 3.0) / c.cubicDenominator;
+    // The tangent angle atan(3 y / x) of the local point, 0 at the origin.
+    double tau = 0.0;
+    if (!TolEqual(std::sqrt(x * x + y * y), 0.0)) {
+        tau = std::atan2(y, x / 3.0);
+    }
+    out->azimuth = Normalize(c.originAzimuth - tau);
+    if (y == 0.0 || x == 0.0) {
+        out->radius = 0.0;
+    } else {
+        out->radius = -std::pow(x, 3.0) / (6.0 * y * x);
+    }
+    out->east = c.curveStartEast + (x * c.toWorldCos - y * c.toWorldSin);
+    out->north = c.curveStartNorth + (x * c.toWorldSin + y * c.toWorldCos);
+    out->station = station;
+}
+
+// CMathCbcParabol::Lot on the straight-into-curve element (evaluated stations).
+// The end tests of CMathCbcParabol::Lot (evaluated stations), as ClothoidEnds.
+int CubicEnds(PreparedElement const& c, double east, double north, AlignmentPoint* out, double* first)
+{
+    double const ve = east - c.curveEndEast;
+    double const vn = north - c.curveEndNorth;
+    if (TolGreater(ve * c.intoEndCos - vn * c.intoEndSin, 0.0)) {
+        CubicPoint(c, c.endStation, out);
+        return TPointMathResult::BeyondEnd;
+    }
+    double const we = east - c.curveStartEast;
+    double const wn = north - c.curveStartNorth;
+    double const fromStart = we * c.intoStartCos - wn * c.intoStartSin;
+    if (TolLess(fromStart, 0.0)) {
+        CubicPoint(c, c.startStation, out);
+        return TPointMathResult::BeforeStart;
+    }
+    *first = c.startStation + fromStart * c.span / c.abscissa;
+    return SearchOnElement;
+}
+
+int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    using namespace zelmath::horizontal_detail;
+    double s = 0.0;
+    int const ends = CubicEnds(c, east, north, out, &s);
+    if (ends != SearchOnElement) {
+        return ends;
+    }
+    // CMathCbcParabol::Iterate.
+    for (int n = 1;; ++n) {
+        if (!TolGreater(s, c.startStation)) {
+            s = c.startStation + StationInset;
+        }
+        if (!TolLess(s, c.endStation)) {
+            s = c.endStation - StationInset;
+        }
+        CubicPoint(c, s, out);
+        double const qe = east - out->east;
+        double const qn = north - out->north;
+        double const turn = WorldToLocal(CAAngle(out->azimuth)).Double();
+        double const co = std::cos(turn);
+        double const si = std::sin(turn);
+        double const along = qe * co - qn * si;
+        double const across = qe * si + qn * co;
+        double const divisor = DampingDivisor(CALength(std::fabs(across)));
+        if (divisor == 0.0) {
+            return TPointMathResult::NoSolution;
+        }
+        s = s + along / divisor;
+        if (n >= MaxFootSteps) {
+            return TPointMathResult::NoSolution;
+        }
+        if (!TolGreater(std::fabs(along), FootTolerance)) {
+            return TPointMathResult::OnElement;
+        }
+    }
+}
+
+// False when the element's class would stand in the largest double for an
+// infinite constant (no radius, no chord, no span): left to the class.
+bool PrepareCubicParabola(CAxisComplexSpec const& element, PreparedElement* c)
+{
+    using zelmath::horizontal_detail::LocalToWorld;
+    using zelmath::horizontal_detail::WorldToLocal;
+    // Only a straight into a curve is evaluated (the other sense reversed).
+    CAxisComplexSpec const spec = c->reversed ? Reversed(element) : element;
+    if (spec.ComplexType != zelmath::TComplexType::StraightIntoCurve) {
+        return false;
+    }
+    // CMathCbcParabol::Geometry.
+    CALength const radius = spec.End.Radius;
+    CACoordinate const& origin = spec.Start.Coordinate;
+    CACoordinate const& curved = spec.End.Coordinate;
+    CACoordinate const chord = spec.End.Coordinate - spec.Start.Coordinate;
+    CALength const chordLength = chord.Length();
+    CAAzimuth const chordAzimuth = chord.Azimuth();
+    double const r = radius.Double();
+    double const cl = chordLength.Double();
+    if (r == 0.0 || cl == 0.0) {
+        return false;
+    }
+    double const ye = -std::pow(cl, 3.0) / (6.0 * r * cl);
+    CACoordinate const curvedEnd(cl, ye);
+    CAAngle const chordAngle = curvedEnd.Length() == 0.0 ? CAAngle(0.0) : CAAngle(std::atan2(ye, cl));
+    CAAngle const endTangent = curvedEnd.Length() == 0.0 ? CAAngle(0.0) : CAAngle(std::atan2(ye, cl / 3.0));
+    CAAzimuth const originAzimuth = chordAzimuth + chordAngle;
+    CAAzimuth const curvedAzimuth = originAzimuth - endTangent;
+    CACoordinate v = curved - origin;
+    v.Rotate(WorldToLocal(originAzimuth));
+    v.North(CALength(0.0));
+    v.Rotate(LocalToWorld(originAzimuth));
+    CACoordinate const foot = origin + v;
+    CALength const abscissa = (foot - origin).Length();
+
+    CALength const spanMagnitude = (spec.End.Station - spec.Start.Station).Absolute();
+    if (spanMagnitude == 0.0 || radius == 0.0 || abscissa == 0.0) {
+        return false;
+    }
+    c->curveStartEast = spec.Start.Coordinate.East().Double();
+    c->curveStartNorth = spec.Start.Coordinate.North().Double();
+    c->curveEndEast = spec.End.Coordinate.East().Double();
+    c->curveEndNorth = spec.End.Coordinate.North().Double();
+    c->originAzimuth = originAzimuth.Double();
+    TurnOf(LocalToWorld(originAzimuth).Double(), &c->toWorldCos, &c->toWorldSin);
+    TurnOf(WorldToLocal(originAzimuth).Double(), &c->intoStartCos, &c->intoStartSin);
+    TurnOf(WorldToLocal(curvedAzimuth).Double(), &c->intoEndCos, &c->intoEndSin);
+    c->abscissa = abscissa.Double();
+    c->span = (spec.End.Station - spec.Start.Station).Double();
+    c->spanMagnitude = spanMagnitude.Double();
+    c->cubicDenominator = 6.0 * r * c->abscissa;
+    return true;
+}
+
+// CMathHalfSin's local point at distance len from the origin (DX, DY): the
+// sine and cosine of a len taken once for both coordinates.
+void SineLocal(PreparedElement const& c, double len, double* x, double* y)
+{
+    double const a = c.sineA;
+    double const u = a * len;
+    double const su = std::sin(u);
+    double const cu = std::cos(u);
+    *x = len - c.sineDxFactor * (2.0 * std::pow(u, 3.0) - 12.0 * su + 12.0 * u * cu - 3.0 * cu * su + 3.0 * u);
+    *y = c.sineHalfB * (std::pow(len, 2.0) + c.sineTwoOverA2 * (cu - 1.0)) -
+         c.sineDyFactor * (c.sineThreeA4 * std::pow(len, 4.0) + c.sineThirtySixA2 * std::pow(len, 2.0) * cu -
+                           60.0 * cu - c.sineSeventyTwoA * len * su - 73.0);
+}
+
+// CMathHalfSin::Tau: the tangent angle by the forward difference over
+// TangentStep, given the local point at len.
+double SineTau(PreparedElement const& c, double len, double x, double y)
+{
+    double x2 = 0.0;
+    double y2 = 0.0;
+    SineLocal(c, len + HalfSineTangentStep, &x2, &y2);
+    return Normalize(HalfPi - AzimuthOf(x2 - x, y2 - y));
+}
+
+// CMathHalfSin::Kleinpunkt; the radius as the literal dispatch computes it.
+void SinePoint(CAxisComplexSpec const& spec, PreparedElement const& c, double station, AlignmentPoint* out)
+{
+    double x = 0.0;
+    double y = 0.0;
+    if (c.kind == 0) {
+        double const l = station - c.startStation;
+        SineLocal(c, l, &x, &y);
+        double const tau = SineTau(c, l, x, y);
+        double const qe = x;
+        double const qn = -y;
+        out->east = c.startEast + (qe * c.toWorldCos - qn * c.toWorldSin);
+        out->north = c.startNorth + (qe * c.toWorldSin + qn * c.toWorldCos);
+        out->azimuth = Normalize(c.originAzimuth + tau);
+    } else {
+        double const l = (c.span - station) + c.startStation;
+        SineLocal(c, l, &x, &y);
+        double const tau = SineTau(c, l, x, y);
+        double const qe = x * -1.0;
+        double const qn = y * -1.0;
+        out->east = c.endEast + (qe * c.toWorldCos - qn * c.toWorldSin);
+        out->north = c.endNorth + (qe * c.toWorldSin + qn * c.toWorldCos);
+        out->azimuth = Normalize(c.originAzimuth - tau);
+    }
+    out->radius = HalfSineRadius(spec, station);
+    out->station = station;
+}
+
+// CMathHalfSin::Lot and Iterate.
+// The end tests of CMathHalfSin::Lot, as ClothoidEnds.
+int SineEnds(CAxisComplexSpec const& spec, PreparedElement const& c, double east, double north, AlignmentPoint* out,
+             double* first)
+{
+    double const ve = east - c.endEast;
+    double const vn = north - c.endNorth;
+    if (TolGreater(ve * c.intoEndCos - vn * c.intoEndSin, 0.0)) {
+        SinePoint(spec, c, c.endStation, out);
+        return TPointMathResult::BeyondEnd;
+    }
+    double const we = east - c.startEast;
+    double const wn = north - c.startNorth;
+    double const fromStart = we * c.intoStartCos - wn * c.intoStartSin;
+    if (TolLess(fromStart, 0.0)) {
+        SinePoint(spec, c, c.startStation, out);
+        return TPointMathResult::BeforeStart;
+    }
+    *first = c.startStation + fromStart;
+    return SearchOnElement;
+}
+
+int SineLot(CAxisComplexSpec const& spec, PreparedElement const& c, double east, double north,
+            AlignmentPoint* out)
+{
+    using namespace zelmath::horizontal_detail;
+    double s = 0.0;
+    int const ends = SineEnds(spec, c, east, north, out, &s);
+    if (ends != SearchOnElement) {
+        return ends;
+    }
+    for (int n = 1;; ++n) {
+        if (!TolGreater(s, c.startStation)) {
+            s = c.startStation + StationInset;
+        }
+        if (!TolLess(s, c.endStation)) {
+            s = c.endStation - StationInset;
+        }
+        SinePoint(spec, c, s, out);
+        double const qe = east - out->east;
+        double const qn = north - out->north;
+        double const turn = WorldToLocal(CAAngle(out->azimuth)).Double();
+        double const co = std::cos(turn);
+        double const si = std::sin(turn);
+        double const along = qe * co - qn * si;
+        double const across = qe * si + qn * co;
+        double divisor = std::fabs(across / HalfSineOffsetPerDivisor);
+        if (divisor < HalfSineMinDivisor) {
+            divisor = HalfSineMinDivisor;
+        }
+        s = s + along / divisor;
+        if (n >= HalfSineMaxSteps) {
+            return TPointMathResult::NoSolution;
+        }
+        if (!TolGreater(std::fabs(along), FootTolerance)) {
+            return TPointMathResult::OnElement;
+        }
+    }
+}
+
+// False for a half-sine without span or radius (its class then stands in the
+// largest double for a constant): left to the class.
+bool PrepareHalfSine(CAxisComplexSpec const& spec, PreparedElement* c)
+{
+    using zelmath::horizontal_detail::LocalToWorld;
+    using zelmath::horizontal_detail::WorldToLocal;
+    int const type = spec.ComplexType;
+    if (type != zelmath::TComplexType::StraightIntoCurve && type != zelmath::TComplexType::CurveIntoStraight) {
+        return false;
+    }
+    // CMathHalfSin::GetConstants.
+    CALength const span = spec.End.Station - spec.Start.Station;
+    CALength const radius = type == zelmath::TComplexType::CurveIntoStraight ? spec.Start.Radius : spec.End.Radius;
+    if (span.Double() == 0.0 || radius == 0.0) {
+        return false;
+    }
+    double const a = zellib::CAPi / span.Double();
+    double const b = 1.0 / (2.0 * radius.Double());
+    c->kind = type;
+    c->span = span.Double();
+    c->sineA = a;
+    c->sineDxFactor = std::pow(b, 2.0) / (12.0 * std::pow(a, 3.0));
+    c->sineHalfB = b / 2.0;
+    c->sineTwoOverA2 = 2.0 / std::pow(a, 2.0);
+    c->sineDyFactor = std::pow(b, 3.0) / (72.0 * std::pow(a, 4.0));
+    c->sineThreeA4 = 3.0 * std::pow(a, 4.0);
+    c->sineThirtySixA2 = 36.0 * std::pow(a, 2.0);
+    c->sineSeventyTwoA = 72.0 * a;
+
+    // CMathHalfSin::Sigma at the span: the chord angle of the whole element.
+    double const len = span.Double();
+    CAAngle const sigma((b / 2.0) * (std::pow(len, 2.0) + (2.0 / std::pow(a, 2.0)) * (std::cos(a * len) - 1.0)) /
+                        len);
+    CAAzimuth const chordAzimuth = (spec.End.Coordinate - spec.Start.Coordinate).Azimuth();
+    double x = 0.0;
+    double y = 0.0;
+    SineLocal(*c, len, &x, &y);
+    CAAngle const tau(SineTau(*c, len, x, y));
+    CAAzimuth originAzimuth;
+    CAAzimuth curvedAzimuth;
+    if (type == zelmath::TComplexType::StraightIntoCurve) {
+        originAzimuth = chordAzimuth - sigma;
+        curvedAzimuth = originAzimuth + tau;
+    } else {
+        originAzimuth = chordAzimuth + sigma;
+        curvedAzimuth = originAzimuth - tau;
+    }
+    bool const intoCurve = type == zelmath::TComplexType::StraightIntoCurve;
+    CAAzimuth const endAzimuth = intoCurve ? curvedAzimuth : originAzimuth;
+    CAAzimuth const startAzimuth = intoCurve ? originAzimuth : curvedAzimuth;
+    c->originAzimuth = originAzimuth.Double();
+    TurnOf(LocalToWorld(originAzimuth).Double(), &c->toWorldCos, &c->toWorldSin);
+    TurnOf(WorldToLocal(startAzimuth).Double(), &c->intoStartCos, &c->intoStartSin);
+    TurnOf(WorldToLocal(endAzimuth).Double(), &c->intoEndCos, &c->intoEndSin);
+    return true;
+}
+
 }  // namespace
 
 PreparedElement PrepareElement(HorizontalElement const& element)
@@ -770,7 +1101,11 @@ PreparedElement PrepareElement(HorizontalElement const& element)
         c.prepared = spec.ComplexType >= 0 && spec.ComplexType <= 3 && PrepareClothoid(spec, &c);
         break;
     case ElementType::CubicParabola:
+        c.reversed = ReversedParabola(element);
+        c.prepared = PrepareCubicParabola(spec, &c);
+        break;
     case ElementType::HalfSine:
+        c.prepared = PrepareHalfSine(spec, &c);
         break;
     }
     return c;
@@ -797,9 +1132,18 @@ void PreparedKleinpunkt(HorizontalElement const& element, PreparedElement const&
         ClothoidPoint(c, station, out);
         break;
     case ElementType::CubicParabola:
+        if (c.reversed) {
+            // Evaluated reversed: the direction turned back, the bending side too.
+            CubicPoint(c, c.startStation + c.endStation - station, out);
+            out->azimuth = Reverse(out->azimuth);
+            out->radius = -out->radius;
+        } else {
+            CubicPoint(c, station, out);
+        }
+        break;
     case ElementType::HalfSine:
-        ElementKleinpunkt(element, station, out);
-        return;
+        SinePoint(element.spec, c, station, out);
+        break;
     }
     out->station = station;
 }
@@ -827,11 +1171,49 @@ int PreparedLot(HorizontalElement const& element, PreparedElement const& c, doub
         result = ClothoidLot(c, east, north, out);
         break;
     case ElementType::CubicParabola:
+        result = CubicLot(c, east, north, out);
+        if (c.reversed) {
+            result = SwapEnds(result);
+            out->station = c.startStation + c.endStation - out->station;
+            out->azimuth = Reverse(out->azimuth);
+            out->radius = -out->radius;
+        }
+        break;
     case ElementType::HalfSine:
-        result = ElementLot(element, CACoordinate(east, north), out);
+        result = SineLot(element.spec, c, east, north, out);
         break;
     }
     return result;
+}
+
+int PreparedFootStart(HorizontalElement const& element, PreparedElement const& c, double east, double north,
+                      AlignmentPoint* out, double* first)
+{
+    if (!c.prepared) {
+        return NotPrepared;
+    }
+    // Straights and arcs need no search; any other type goes the element's way.
+    if (c.type == ElementType::Clothoid) {
+        return ClothoidEnds(c, east, north, out, first);
+    }
+    if (c.type == ElementType::CubicParabola) {
+        int result = CubicEnds(c, east, north, out, first);
+        if (c.reversed) {
+            if (result == SearchOnElement) {
+                *first = c.startStation + c.endStation - *first;
+                return result;
+            }
+            result = SwapEnds(result);
+            out->station = c.startStation + c.endStation - out->station;
+            out->azimuth = Reverse(out->azimuth);
+            out->radius = -out->radius;
+        }
+        return result;
+    }
+    if (c.type == ElementType::HalfSine) {
+        return SineEnds(element.spec, c, east, north, out, first);
+    }
+    return NotPrepared;
 }
 
 }  // namespace detail

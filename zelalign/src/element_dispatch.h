@@ -7,9 +7,10 @@
 // by the same operations when the alignment is built. Per call it performs the
 // remaining arithmetic of the element class in the same order, so its results
 // are bit-identical to the literal call (tests/alignment/test_fast_path.cpp
-// compares them over many elements, stations and measured points). Straights,
-// arcs and clothoids are prepared; the cubic parabola and the half-sine
-// transition are handed to their classes literally from both paths.
+// compares them over many elements, stations and measured points). Every
+// element type is prepared; an element whose constants would stand in the
+// largest double for an infinite one (a transition without span or without
+// radius, a straight without length) is handed to its class literally.
 #pragma once
 
 #include <zelalign/horizontal.h>
@@ -71,6 +72,28 @@ struct PreparedElement {
     bool right = false, countsBackwards = false;
     double radiusPreset = 0.0;
     double startTangentCos = 0.0, startTangentSin = 0.0, endTangentCos = 0.0, endTangentSin = 0.0;
+
+    // Cubic parabola and half-sine: the element as its class evaluates it (a
+    // cubic parabola from a curve into a straight is evaluated reversed, as a
+    // straight into a curve: then its ends are swapped here), the azimuth of the
+    // main tangent at the origin, the sine and cosine of the turn of the local
+    // frame into the world (LocalToWorld of that azimuth), and of the turns
+    // into the frames of the start and end tangents of the foot search
+    // (WorldToLocal of their azimuths).
+    bool reversed = false;
+    double curveStartEast = 0.0, curveStartNorth = 0.0, curveEndEast = 0.0, curveEndNorth = 0.0;
+    double originAzimuth = 0.0;
+    double toWorldCos = 0.0, toWorldSin = 0.0;
+    double intoStartCos = 0.0, intoStartSin = 0.0, intoEndCos = 0.0, intoEndSin = 0.0;
+    // Cubic parabola: abscissa Lx of the curved end, the station span (signed and
+    // its magnitude) and the denominator 6 R Lx of the ordinate.
+    double abscissa = 0.0, span = 0.0, spanMagnitude = 0.0, cubicDenominator = 0.0;
+    // Half-sine: a = pi / L and b = 1 / (2 R), and the products of them that
+    // the element class forms on every call: b^2 / (12 a^3), b / 2, 2 / a^2,
+    // b^3 / (72 a^4), 3 a^4, 36 a^2 and 72 a (kind: 0 straight into curve,
+    // 1 curve into straight).
+    double sineA = 0.0, sineDxFactor = 0.0, sineHalfB = 0.0, sineTwoOverA2 = 0.0, sineDyFactor = 0.0;
+    double sineThreeA4 = 0.0, sineThirtySixA2 = 0.0, sineSeventyTwoA = 0.0;
 };
 
 // The constants of an element (its transition already classified).
@@ -81,6 +104,17 @@ void PreparedKleinpunkt(HorizontalElement const& element, PreparedElement const&
                         AlignmentPoint* out);
 int PreparedLot(HorizontalElement const& element, PreparedElement const& c, double east, double north,
                 AlignmentPoint* out);
+
+// Results of PreparedFootStart besides the element classes' result codes.
+constexpr int SearchOnElement = -1;  // the foot lies on the element: search from *first
+constexpr int NotPrepared = -2;      // a straight, an arc or an element left to its class
+
+// The end tests of a transition's foot search, as PreparedLot makes them:
+// BeforeStart or BeyondEnd with *out the end point (as PreparedLot gives it),
+// or SearchOnElement with *first the station the element class's search
+// starts from (not yet held inside the element).
+int PreparedFootStart(HorizontalElement const& element, PreparedElement const& c, double east, double north,
+                      AlignmentPoint* out, double* first);
 
 }  // namespace detail
 }  // namespace zelalign

@@ -111,12 +111,16 @@ struct Projection {
 
 // How far the foot of a measured point is driven along the element.
 //
-// Exact: the element operation's foot search is continued by Newton steps on
-// the tangency condition (the measured point lies across the tangent at the
-// foot) on the element's own geometry, until the measured point lies less
-// than ExactFootTolerance along the tangent at the foot (ExactFootTolerance is
-// 1e-7 m; the documented guarantee is 1 micrometre). A foot that the search
-// pushes against an element end stays at that end.
+// Exact: Newton steps on the tangency condition (the measured point lies
+// across the tangent at the foot) on the element's own geometry, until the
+// measured point lies less than ExactFootTolerance along the tangent at the
+// foot (ExactFootTolerance is 1e-7 m; the documented guarantee is 1
+// micrometre). On a transition they start where the element operation's own
+// search starts, after its tests for a point before the start or beyond the
+// end; a point whose steps do not settle well inside the element (near the
+// centre of curvature, far off, at an element end) gets the element
+// operation's foot search continued by Newton steps instead. A foot that the
+// search pushes against an element end stays at that end.
 //
 // Element: the element operation's foot as it stands (zelmath's Lot): the
 // transitions stop their search when the point lies no farther than 0.4 mm

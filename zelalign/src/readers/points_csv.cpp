@@ -1,6 +1,8 @@
 #include <zelalign/readers/points_csv.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -23,22 +25,28 @@ constexpr std::size_t MaxFields = 8;
 // std::from_chars reports a value out of range (see ParseDecimal).
 constexpr std::size_t MaxNumberCopy = 400;
 
-constexpr char const* Blanks = " \t";
-
 char const* const ExpectedNumber = "expected a decimal number such as 2600123.456 or -1.5e3";
 char const* const ExpectedRange = "expected a finite number, at most about 1.8e308 in magnitude";
 char const* const ExpectedColumns =
     "expected the columns id, east, north and optionally height (also called name, point, pt, nr; "
     "easting, e, x; northing, n, y; elevation, elev, h, z)";
 
+bool IsBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
 std::string_view Trim(std::string_view s)
 {
-    std::size_t const first = s.find_first_not_of(Blanks);
-    if (first == std::string_view::npos) {
-        return std::string_view();
+    char const* begin = s.data();
+    char const* end = begin + s.size();
+    while (begin != end && IsBlank(*begin)) {
+        ++begin;
     }
-    std::size_t const last = s.find_last_not_of(Blanks);
-    return s.substr(first, last - first + 1);
+    while (end != begin && IsBlank(end[-1])) {
+        --end;
+    }
+    return std::string_view(begin, static_cast<std::size_t>(end - begin));
 }
 
 bool IsDigit(char c)
@@ -137,11 +145,93 @@ bool HasDigit(std::string_view s)
     return false;
 }
 
+// Powers of ten that are exact doubles (10^22 is the largest).
+constexpr double ExactPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                       1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+// Digits a quick mantissa may hold: 19 digits never overflow 64 bits.
+constexpr int MostQuickDigits = 19;
+// Exponents beyond this leave the quick path at once (and stop the count
+// before it could overflow).
+constexpr int MostQuickExponent = 1000;
+// Largest mantissa that is an exact double.
+constexpr unsigned long long LargestExactMantissa = 1ULL << 53;
+
+// The value of s when it is [+-]digits[.digits][(e|E)[+-]digits], its digits
+// make an integer m of at most 2^53 and its scale is a power of ten 10^k with
+// |k| <= 22: then m and 10^k are exact doubles, and one
+// multiplication or division rounds m * 10^k correctly, to the same double
+// std::from_chars reads (the coordinates of a points file, "2600123.4567", are
+// all of this kind). False for the others, which go to std::from_chars.
+bool QuickDecimal(std::string_view s, double* value)
+{
+    char const* p = s.data();
+    char const* const end = p + s.size();
+    bool negative = false;
+    if (p != end && (*p == '+' || *p == '-')) {
+        negative = *p == '-';
+        ++p;
+    }
+    // At most MostQuickDigits digits in all (leading zeros counted too: a
+    // number with more goes the slow way), so the mantissa cannot overflow.
+    unsigned long long mantissa = 0;
+    char const* const digitsBegin = p;
+    for (; p != end && static_cast<unsigned>(*p - '0') <= 9u; ++p) {
+        mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+    }
+    std::ptrdiff_t digits = p - digitsBegin;
+    int scale = 0;
+    if (p != end && *p == '.') {
+        ++p;
+        char const* const fractionBegin = p;
+        for (; p != end && static_cast<unsigned>(*p - '0') <= 9u; ++p) {
+            mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+        }
+        digits += p - fractionBegin;
+        scale = -static_cast<int>(std::min<std::ptrdiff_t>(p - fractionBegin, MostQuickDigits + 1));
+    }
+    if (digits == 0 || digits > MostQuickDigits) {
+        return false;
+    }
+    if (p != end && (*p == 'e' || *p == 'E')) {
+        ++p;
+        bool negativeExponent = false;
+        if (p != end && (*p == '+' || *p == '-')) {
+            negativeExponent = *p == '-';
+            ++p;
+        }
+        if (p == end) {
+            return false;
+        }
+        int exponent = 0;
+        for (; p != end && IsDigit(*p); ++p) {
+            exponent = exponent * 10 + (*p - '0');
+            if (exponent > MostQuickExponent) {
+                return false;
+            }
+        }
+        scale += negativeExponent ? -exponent : exponent;
+    }
+    if (p != end || mantissa > LargestExactMantissa || scale < -22 || scale > 22) {
+        return false;
+    }
+    double v = static_cast<double>(mantissa);
+    if (scale < 0) {
+        v /= ExactPowersOfTen[-scale];
+    } else {
+        v *= ExactPowersOfTen[scale];
+    }
+    *value = negative ? -v : v;
+    return true;
+}
+
 }  // namespace
 
 DecimalResult ParseDecimal(std::string_view text, double* value)
 {
     std::string_view s = Trim(text);
+    if (QuickDecimal(s, value)) {
+        return DecimalResult::Ok;
+    }
     if (!IsDecimal(s)) {
         return DecimalResult::NotDecimal;
     }
@@ -226,6 +316,7 @@ bool PointsCsvReader::NextLine()
     bool any = false;
     while (true) {
         if (m_pos == m_end && !Fill()) {
+            m_text = m_line;
             return any;
         }
         if (m_skipLineFeed) {
@@ -238,12 +329,23 @@ bool PointsCsvReader::NextLine()
         any = true;
         char const* const begin = m_buffer.data() + m_pos;
         char const* const end = m_buffer.data() + m_end;
-        char const* p = begin;
-        while (p != end && *p != '\n' && *p != '\r') {
-            ++p;
+        // The line ends at the first LF or CR, whichever comes first.
+        char const* p = static_cast<char const*>(std::memchr(begin, '\n', static_cast<std::size_t>(end - begin)));
+        if (p == nullptr) {
+            p = end;
+        }
+        if (char const* const cr = static_cast<char const*>(std::memchr(begin, '\r', static_cast<std::size_t>(p - begin)))) {
+            p = cr;
+        }
+        std::size_t const length = static_cast<std::size_t>(p - begin);
+        if (p != end && m_line.empty() && length <= MaxPointsLineLength) {
+            // The whole line lies in the buffer: it is read where it is.
+            m_text = std::string_view(begin, length);
+            m_skipLineFeed = *p == '\r';
+            m_pos = static_cast<std::size_t>(p - m_buffer.data()) + 1;
+            return true;
         }
         std::size_t const room = MaxPointsLineLength - m_line.size();
-        std::size_t const length = static_cast<std::size_t>(p - begin);
         if (length > room) {
             m_lineCut = true;
         }
@@ -252,6 +354,7 @@ bool PointsCsvReader::NextLine()
         if (p != end) {
             m_skipLineFeed = *p == '\r';
             ++m_pos;
+            m_text = m_line;
             return true;
         }
     }
@@ -273,12 +376,15 @@ PointsCsvReader::Row PointsCsvReader::Next(MeasuredPoint* point)
 {
     while (NextLine()) {
         ++m_counts.lines;
-        std::size_t const first = m_line.find_first_not_of(Blanks);
-        if (first == std::string::npos) {
+        std::size_t first = 0;
+        while (first < m_text.size() && IsBlank(m_text[first])) {
+            ++first;
+        }
+        if (first == m_text.size()) {
             ++m_counts.blank;
             continue;
         }
-        if (m_line[first] == '#') {
+        if (m_text[first] == '#') {
             ++m_counts.comment;
             continue;
         }
@@ -286,22 +392,24 @@ PointsCsvReader::Row PointsCsvReader::Next(MeasuredPoint* point)
         m_seenContent = true;
         if (m_lineCut) {
             Reject("row", "the line is longer than " + std::to_string(MaxPointsLineLength) +
-                              " bytes: " + Quoted(m_line) + "; expected one point a line, id,east,north[,height]");
+                              " bytes: " + Quoted(m_text) + "; expected one point a line, id,east,north[,height]");
             return Row::Rejected;
         }
 
         std::string_view fields[MaxFields];
         std::size_t count = 0;
-        std::string_view const line(m_line);
-        std::size_t start = 0;
-        while (true) {
-            std::size_t const comma = line.find(',', start);
-            if (count < MaxFields) {
-                fields[count] = line.substr(start, comma == std::string_view::npos ? std::string_view::npos
-                                                                                   : comma - start);
+        std::string_view const line = m_text;
+        char const* const lineEnd = line.data() + line.size();
+        for (char const* start = line.data();; ++count) {
+            char const* comma = start;
+            while (comma != lineEnd && *comma != ',') {
+                ++comma;
             }
-            ++count;
-            if (comma == std::string_view::npos) {
+            if (count < MaxFields) {
+                fields[count] = std::string_view(start, static_cast<std::size_t>(comma - start));
+            }
+            if (comma == lineEnd) {
+                ++count;
                 break;
             }
             start = comma + 1;
@@ -326,6 +434,7 @@ PointsCsvReader::Row PointsCsvReader::Next(MeasuredPoint* point)
         return Row::Point;
     }
     m_line.clear();
+    m_text = std::string_view();
     return Row::End;
 }
 
@@ -358,7 +467,7 @@ bool PointsCsvReader::ReadHeader(std::string_view const* fields, std::size_t cou
             return true;  // reported as a row of too many fields
         }
         Reject("header", "unknown column name " + Quoted(Trim(fields[unknown])) + " in the header " +
-                             Quoted(m_line) + "; " + ExpectedColumns);
+                             Quoted(m_text) + "; " + ExpectedColumns);
         return false;
     }
     int columns[ColumnCount] = {-1, -1, -1, -1};
@@ -367,14 +476,14 @@ bool PointsCsvReader::ReadHeader(std::string_view const* fields, std::size_t cou
         if (columns[c] >= 0) {
             Reject("header", std::string("the header names the ") + CanonicalNames[c] + " column twice, " +
                                  Quoted(Trim(fields[columns[c]])) + " and " + Quoted(Trim(fields[i])) + ": " +
-                                 Quoted(m_line) + "; " + ExpectedColumns + ", each once");
+                                 Quoted(m_text) + "; " + ExpectedColumns + ", each once");
             return false;
         }
         columns[c] = static_cast<int>(i);
     }
     for (int c = Id; c <= North; ++c) {
         if (columns[c] < 0) {
-            Reject("header", std::string("the header has no ") + CanonicalNames[c] + " column: " + Quoted(m_line) +
+            Reject("header", std::string("the header has no ") + CanonicalNames[c] + " column: " + Quoted(m_text) +
                                  "; " + ExpectedColumns);
             return false;
         }
@@ -383,7 +492,7 @@ bool PointsCsvReader::ReadHeader(std::string_view const* fields, std::size_t cou
         m_columns[c] = columns[c];
     }
     m_fieldCount = count;
-    m_header = m_line;
+    m_header.assign(m_text.data(), m_text.size());
     m_counts.headerLine = m_counts.lines;
     *isHeader = true;
     return true;
@@ -403,12 +512,12 @@ bool PointsCsvReader::ReadPoint(std::string_view const* fields, std::size_t coun
                                                : std::string())
                              : std::string("expected 3 or 4: id,east,north[,height]");
         Reject("row", "the row has " + std::to_string(count) + (count == 1 ? " field: " : " fields: ") +
-                          Quoted(m_line) + "; " + expected);
+                          Quoted(m_text) + "; " + expected);
         return false;
     }
     std::string_view const id = Trim(fields[m_columns[Id]]);
     if (id.empty()) {
-        Reject("id", "the point id is empty: " + Quoted(m_line) + "; expected a name or number of the point");
+        Reject("id", "the point id is empty: " + Quoted(m_text) + "; expected a name or number of the point");
         return false;
     }
     for (char c : id) {

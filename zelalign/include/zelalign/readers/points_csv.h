@@ -101,8 +101,8 @@ public:
     PointsCsvCounts const& Counts() const { return m_counts; }
 
     // The row last returned as read, without its line end (cut at
-    // MaxPointsLineLength bytes).
-    std::string_view RowText() const { return m_line; }
+    // MaxPointsLineLength bytes); valid until the next call of Next.
+    std::string_view RowText() const { return m_text; }
     // The header line as read, empty when the file has none.
     std::string const& HeaderText() const { return m_header; }
 
@@ -134,7 +134,8 @@ private:
     bool m_skipLineFeed = false;  // the last line ended in CR: a LF right after it belongs to it
     bool m_lineCut = false;       // the last line was longer than MaxPointsLineLength
     bool m_seenContent = false;   // a line other than blank or comment has been read
-    std::string m_line;
+    std::string m_line;       // a line that crosses the end of the buffer, put together
+    std::string_view m_text;  // the line last read: in the buffer, or m_line
     std::string m_header;
     int m_columns[ColumnCount] = {0, 1, 2, 3};  // field index of each column, -1 when absent
     std::size_t m_fieldCount = 0;               // fields a row must have; 0: 3 or 4 (no header)
