@@ -74,6 +74,13 @@ void* operator new[](std::size_t size, std::align_val_t alignment, std::nothrow_
     return AllocateAligned(size, alignment);
 }
 
+// The deletes below pair with the mallocs above. Once GCC inlines them into a
+// caller it judges free() against the standard pairing of new with delete and
+// warns of a mismatch that these replacements do not have.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
 void operator delete(void* p) noexcept
 {
     std::free(p);
@@ -98,6 +105,9 @@ void operator delete[](void* p, std::nothrow_t const&) noexcept
 {
     std::free(p);
 }
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
 void operator delete(void* p, std::align_val_t) noexcept
 {
     std::free(p);
