@@ -11,7 +11,6 @@
 #include <iostream>
 #include <memory>
 #include <optional>
-#include <thread>
 #include <vector>
 
 #include <unistd.h>
@@ -147,6 +146,7 @@ struct Batch {
     std::vector<TableWriter> shares;  // the rows of each chunk
     std::size_t n = 0;      // points in the batch
     std::size_t parts = 0;  // chunks holding rows
+    std::atomic<std::size_t> nextChunk{0};  // the chunk the next free worker takes
 
     void Reserve(std::size_t rows)
     {
@@ -258,22 +258,22 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
     // for the main thread to write in order: the table is the same whatever
     // the thread count.
     unsigned const threads = std::max(run.threads, 1u);
-    auto process = [&](Batch& batch, long long rowsBefore) {
-        std::size_t const count = batch.n;
-        if (threads == 1) {
-            alignments.Station(count, batch.east.data(), batch.north.data(), batch.height.data(),
-                               batch.result.data(), 1, run.maxOffset);
-            for (std::size_t i = 0; i < count; ++i) {
-                writeRow(*table, batch, i);
-            }
-            return;
+    auto processHere = [&](Batch& batch) {
+        alignments.Station(batch.n, batch.east.data(), batch.north.data(), batch.height.data(),
+                           batch.result.data(), 1, run.maxOffset);
+        for (std::size_t i = 0; i < batch.n; ++i) {
+            writeRow(*table, batch, i);
         }
+    };
+    // The job of the pool's workers for a batch: take the next chunk until
+    // none is left.
+    auto chunkJob = [&](Batch& batch, long long rowsBefore) {
+        std::size_t const count = batch.n;
         std::size_t const chunks = std::min<std::size_t>(std::size_t{threads} * ChunksPerThread, count);
         batch.parts = chunks;
-        std::size_t const workers = std::min<std::size_t>(threads, chunks);
-        std::atomic<std::size_t> next{0};
-        zelalign::ParallelFor(workers, static_cast<unsigned>(workers), [&](std::size_t, std::size_t) {
-            for (std::size_t k = next++; k < chunks; k = next++) {
+        batch.nextChunk.store(0);
+        return [&alignments, &run, &writeRow, &batch, rowsBefore, count, chunks](unsigned) {
+            for (std::size_t k = batch.nextChunk++; k < chunks; k = batch.nextChunk++) {
                 std::size_t const lo = count * k / chunks;
                 std::size_t const hi = count * (k + 1) / chunks;
                 alignments.Station(hi - lo, batch.east.data() + lo, batch.north.data() + lo,
@@ -283,7 +283,7 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
                     writeRow(batch.shares[k], batch, i);
                 }
             }
-        });
+        };
     };
     auto done = [&](Batch& batch) {
         for (std::size_t k = 0; k < batch.parts; ++k) {
@@ -296,34 +296,26 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
         progress.Update(pos < 0 ? 0.0 : static_cast<double>(pos));
     };
 
-    // Two batches: with several threads one is stationed and formatted by a
-    // worker while the main thread reads the next into the other.
+    // Two batches: with several threads one is stationed and formatted by the
+    // workers while the main thread reads the next into the other. The pool
+    // is made after the batches, so that on the way out it waits for its job
+    // before the batches the job works on are gone.
     Batch batches[2];
     for (Batch& batch : batches) {
         batch.Reserve(BatchRows);
     }
     Batch* filling = &batches[0];
     Batch* working = nullptr;
-    std::thread worker;
-    std::exception_ptr workerError;
-    struct JoinOnExit {
-        std::thread& t;
-        ~JoinOnExit()
-        {
-            if (t.joinable()) {
-                t.join();
-            }
-        }
-    } joinOnExit{worker};
+    std::optional<zelalign::WorkerPool> pool;
+    if (threads > 1) {
+        pool.emplace(threads);
+    }
     // Waits for the batch in work and writes its rows.
     auto finishWork = [&] {
         if (working == nullptr) {
             return;
         }
-        worker.join();
-        if (workerError) {
-            std::rethrow_exception(workerError);
-        }
+        pool->Wait();
         done(*working);
         working = nullptr;
     };
@@ -335,7 +327,7 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
         }
         begin();
         if (threads == 1) {
-            process(*filling, written);
+            processHere(*filling);
             done(*filling);
             return;
         }
@@ -345,14 +337,7 @@ int RunStationBatches(zelalign::AlignmentSet const& alignments, StationRun const
         }
         working = filling;
         filling = working == &batches[0] ? &batches[1] : &batches[0];
-        long long const rowsBefore = written;
-        worker = std::thread([&process, &workerError, batch = working, rowsBefore] {
-            try {
-                process(*batch, rowsBefore);
-            } catch (...) {
-                workerError = std::current_exception();
-            }
-        });
+        pool->Start(chunkJob(*working, written));
     };
 
     // A rejected row into the reject file: the reason as a comment, then the row

@@ -61,4 +61,76 @@ void ParallelFor(std::size_t count, unsigned threads, std::function<void(std::si
     }
 }
 
+WorkerPool::WorkerPool(unsigned workers)
+{
+    unsigned const n = std::max(workers, 1u);
+    m_threads.reserve(n);
+    for (unsigned w = 0; w < n; ++w) {
+        m_threads.emplace_back([this, w] { Work(w); });
+    }
+}
+
+WorkerPool::~WorkerPool()
+{
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_done.wait(lock, [this] { return m_running == 0; });
+        m_stop = true;
+    }
+    m_wake.notify_all();
+    for (std::thread& t : m_threads) {
+        t.join();
+    }
+}
+
+void WorkerPool::Start(std::function<void(unsigned)> job)
+{
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_job = std::move(job);
+        m_running = static_cast<unsigned>(m_threads.size());
+        ++m_generation;
+    }
+    m_wake.notify_all();
+}
+
+void WorkerPool::Wait()
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_done.wait(lock, [this] { return m_running == 0; });
+    if (m_error) {
+        std::exception_ptr const error = m_error;
+        m_error = nullptr;
+        std::rethrow_exception(error);
+    }
+}
+
+void WorkerPool::Work(unsigned worker)
+{
+    std::uint64_t seen = 0;
+    for (;;) {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_wake.wait(lock, [this, seen] { return m_stop || m_generation != seen; });
+        if (m_stop) {
+            return;
+        }
+        seen = m_generation;
+        lock.unlock();
+        // m_job is not touched by Start until every worker has finished.
+        std::exception_ptr error;
+        try {
+            m_job(worker);
+        } catch (...) {
+            error = std::current_exception();
+        }
+        lock.lock();
+        if (error && !m_error) {
+            m_error = error;
+        }
+        if (--m_running == 0) {
+            m_done.notify_all();
+        }
+    }
+}
+
 }  // namespace zelalign
