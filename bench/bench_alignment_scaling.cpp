@@ -10,7 +10,9 @@
 // BM_Alignment_StationCost/<elements>/<accuracy>/<order>: CPU time per point
 //   of HorizontalAlignment::Project (accuracy 0 exact foot, 1 element foot;
 //   order 0 the points scattered over the alignment, 1 the same points in the
-//   order of the alignment, copy after copy).
+//   order of the alignment, copy after copy; 2 every copy with all the
+//   sample's points, copy after copy, so that each element's neighbourhood
+//   holds as many points as on the sample itself).
 // BM_Alignment_ImportLandXml/<elements>: ReadLandXml of a LandXML text of the
 //   same chain written to a temporary file, per element.
 #include <zelalign/readers/landxml.h>
@@ -63,10 +65,16 @@ Sample const& LoadSample()
     return sample;
 }
 
+// How the measured points are laid over the copies of the sample.
+enum class Spread {
+    Scattered,    // each point in one copy, picked by a scramble of its number
+    AlongTheLine, // the same, ordered by copy, as a survey walking the line writes them
+    EveryCopy     // every point in every copy, copy after copy
+};
+
 // Measured points of the sample moved into the complete copies of a chain of
-// count elements; alongTheLine: ordered by copy, as a survey walking the line
-// would write them, else in the sample's order (each in its scrambled copy).
-std::vector<std::pair<double, double>> SpreadPoints(std::size_t count, bool alongTheLine)
+// count elements.
+std::vector<std::pair<double, double>> SpreadPoints(std::size_t count, Spread spread)
 {
     Sample const& s = LoadSample();
     std::size_t const copies = std::max<std::size_t>(1, count / s.elements.size());
@@ -75,13 +83,23 @@ std::vector<std::pair<double, double>> SpreadPoints(std::size_t count, bool alon
     double const dn = s.elements.back().spec.End.Coordinate.North().Double() -
                       s.elements.front().spec.Start.Coordinate.North().Double();
     std::vector<std::pair<std::size_t, std::pair<double, double>>> placed;
+    if (spread == Spread::EveryCopy) {
+        std::vector<std::pair<double, double>> out;
+        out.reserve(copies * s.points.size());
+        for (std::size_t k = 0; k < copies; ++k) {
+            for (auto const& p : s.points) {
+                out.emplace_back(p.first + static_cast<double>(k) * de, p.second + static_cast<double>(k) * dn);
+            }
+        }
+        return out;
+    }
     for (std::size_t i = 0; i < s.points.size(); ++i) {
         // A fixed scramble (multiplicative hash) of the point's number.
         std::size_t const k = (i * 2654435761u) % copies;
         placed.push_back({k, {s.points[i].first + static_cast<double>(k) * de,
                               s.points[i].second + static_cast<double>(k) * dn}});
     }
-    if (alongTheLine) {
+    if (spread == Spread::AlongTheLine) {
         std::stable_sort(placed.begin(), placed.end(),
                          [](auto const& a, auto const& b) { return a.first < b.first; });
     }
@@ -98,7 +116,7 @@ void BM_Alignment_StationCost(benchmark::State& state)
     auto const accuracy = state.range(1) == 0 ? zelalign::ProjectionAccuracy::Exact
                                               : zelalign::ProjectionAccuracy::Element;
     HorizontalAlignment const a(zelsynthetic::Repeated(LoadSample().elements, count));
-    auto const points = SpreadPoints(count, state.range(2) == 1);
+    auto const points = SpreadPoints(count, static_cast<Spread>(state.range(2)));
     int on = 0;
     for (auto _ : state) {
         for (auto const& p : points) {
@@ -112,7 +130,7 @@ void BM_Alignment_StationCost(benchmark::State& state)
 }
 BENCHMARK(BM_Alignment_StationCost)
     ->ArgsProduct({{20, 200, 2000, 20000}, {0, 1}, {0}})
-    ->ArgsProduct({{20, 200, 2000, 20000}, {0}, {1}})
+    ->ArgsProduct({{20, 200, 2000, 20000}, {0}, {1, 2}})
     ->Unit(benchmark::kMillisecond);
 
 // ------------------------------------------------------------------ import
