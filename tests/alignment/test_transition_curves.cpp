@@ -482,7 +482,7 @@ std::string PathOf(std::string const& key)
 }
 
 std::string const Supported =
-    "(supported: clothoid, cubicParabola, cosine, revCosine, bloss, revBloss, biquadratic, biquadraticParabola, "
+    "(supported: clothoid, cubicParabola, japaneseCubic, cosine, revCosine, bloss, revBloss, biquadratic, biquadraticParabola, "
     "revBiquadratic, sinusoid, revSinusoid)";
 
 // A Bloss transition north from a straight into R 300 m right over 20 m; its
@@ -569,6 +569,31 @@ TEST(SpiralFiles, CosineKeepsTheHalfSineBetweenStraightAndCurve)
     EXPECT_EQ(d.Horizontal().Elements()[0].type, ElementType::Clothoid);
 }
 
+// The Japanese cubic is the cubic parabola y = x^3 / (6 R X) over the tangent:
+// north from (0, 0) into R 300 m right over X = 20 m it ends at
+// y = X^2 / (6 R) = 400 / 1800 = 0.22222 m east of N 20, with the tangent
+// turned by atan(X / (2 R)) = atan(1 / 30); at x = 10 m it lies
+// 1000 / (6 * 300 * 20) = 0.027778 m east of N 10 (closed form, by hand).
+TEST(SpiralFiles, JapaneseCubicIsTheCubicParabolaOverTheTangent)
+{
+    std::string text = SpiralDocument("japaneseCubic");
+    std::string const end = "<End>19.9980 0.2000</End>";
+    text.replace(text.find(end), end.size(), "<End>20.0000 0.2222</End>");
+    zelalign::Alignment const a = zelalign::ParseLandXml(text, "test.xml");
+    EXPECT_TRUE(a.Warnings().empty()) << a.Warnings().front();
+    ASSERT_EQ(a.Horizontal().Elements().size(), 1u);
+    EXPECT_EQ(a.Horizontal().Elements()[0].type, ElementType::CubicParabola);
+    zelalign::AlignmentPoint last;
+    ASSERT_TRUE(a.Horizontal().PointAt(20.0, &last));
+    EXPECT_NEAR(last.north, 20.0, 1e-4);
+    EXPECT_NEAR(last.east, 400.0 / 1800.0, 1e-4);
+    EXPECT_NEAR(AngleDiff(last.azimuth, std::atan(1.0 / 30.0)), 0.0, 1e-5);
+    zelalign::AlignmentPoint middle;
+    ASSERT_TRUE(a.Horizontal().PointAt(10.0, &middle));
+    EXPECT_NEAR(middle.north, 10.0, 1e-4);
+    EXPECT_NEAR(middle.east, 1000.0 / 36000.0, 1e-4);
+}
+
 TEST(SpiralFiles, OtherTypesAreRefusedByName)
 {
     struct Refusal {
@@ -577,7 +602,6 @@ TEST(SpiralFiles, OtherTypesAreRefusedByName)
     };
     Refusal const refused[] = {
         {"cubic", "the cubic spiral is given by its ordinate over the length"},
-        {"japaneseCubic", "the Japanese cubic is given by its ordinate over the tangent"},
         {"sineHalfWave", "the sine half-wave is given by its ordinate over the tangent"},
         {"radioid", "the radioid is not given by a curvature along its length"},
         {"weinerBogen", "the Wiener Bogen depends on the cant"},

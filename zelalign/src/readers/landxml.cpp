@@ -113,6 +113,9 @@ struct SpiralKind {
 constexpr SpiralKind SpiralKinds[] = {
     {"clothoid", SpiralCurve::Clothoid, TransitionShape::Bloss, ""},
     {"cubicParabola", SpiralCurve::CubicParabola, TransitionShape::Bloss, ""},
+    // The Japanese cubic is the cubic parabola y = x^3 / (6 R X) over the
+    // tangent, its length X along the tangent: the same curve.
+    {"japaneseCubic", SpiralCurve::CubicParabola, TransitionShape::Bloss, ""},
     {"cosine", SpiralCurve::Cosine, TransitionShape::Cosine, ""},
     {"revCosine", SpiralCurve::Cosine, TransitionShape::Cosine, ""},
     {"bloss", SpiralCurve::Shaped, TransitionShape::Bloss, ""},
@@ -124,8 +127,6 @@ constexpr SpiralKind SpiralKinds[] = {
     {"revSinusoid", SpiralCurve::Shaped, TransitionShape::Sinusoid, ""},
     {"cubic", SpiralCurve::Refused, TransitionShape::Bloss,
      "the cubic spiral is given by its ordinate over the length, not by a curvature along it"},
-    {"japaneseCubic", SpiralCurve::Refused, TransitionShape::Bloss,
-     "the Japanese cubic is given by its ordinate over the tangent, not by a curvature along its length"},
     {"sineHalfWave", SpiralCurve::Refused, TransitionShape::Bloss,
      "the sine half-wave is given by its ordinate over the tangent, not by a curvature along its length"},
     {"radioid", SpiralCurve::Refused, TransitionShape::Bloss,
