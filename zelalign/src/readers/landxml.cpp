@@ -86,19 +86,21 @@ pugi::xml_node Child(pugi::xml_node node, char const* name)
 // library's half-sine, between two curves (which that element does not take)
 // the shaped transition of the same law. bloss, biquadratic (Schramm) and
 // sinusoid (Klein's sine curve) are shaped transitions (transition_curve.h).
+// japaneseCubic, the ordinate x^3 / (6 R X) over the tangent abscissa, is the
+// cubic parabola itself.
 // biquadraticParabola is the same biquadratic parabola. The rev... types are
 // these curves written from their other end: every one of the shapes is
 // point-symmetric about its middle (f(1 - t) = 1 - f(t)), so the curve read
 // backwards from its end radius has the same law, and rev... is read as the
 // curve itself.
 //
-// Refused, with the reason, are the types that are not given by a curvature
-// along their length: cubic (the clothoid's first approximation, ordinate
-// l^3 / (6 R L) over the length; not the cubic parabola), japaneseCubic and
-// sineHalfWave (ordinates over the tangent abscissa: x^3 / (6 R X), and
-// x^2 / (4 R) - X^2 (1 - cos(pi x / X)) / (2 pi^2 R), the Japanese sine
-// half-wavelength diminishing tangent curve), radioid (no curvature law along
-// the length documented for the LandXML type), and weinerBogen (its lateral
+// Refused, with the reason, are the types that neither an element of the
+// element library nor a curvature along the length describes: cubic (the clothoid's first approximation, ordinate
+// l^3 / (6 R L) over the length; not the cubic parabola), sineHalfWave (the
+// Japanese sine half-wavelength diminishing tangent curve, ordinate
+// x^2 / (4 R) - X^2 (1 - cos(pi x / X)) / (2 pi^2 R) over the tangent
+// abscissa), radioid (no curvature law along the length documented for the
+// LandXML type), and weinerBogen (its lateral
 // position depends on the cant and the height of the vehicle's centre of
 // gravity, which a LandXML spiral does not carry).
 enum class SpiralCurve { Clothoid, CubicParabola, Cosine, Shaped, Refused };
