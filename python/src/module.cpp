@@ -467,6 +467,13 @@ PYBIND11_MODULE(_core, m)
         .def_property_readonly("start_station", [](PyAlignment const& a) { return a.alignment.StartStation(); })
         .def_property_readonly("end_station", [](PyAlignment const& a) { return a.alignment.EndStation(); })
         .def_property_readonly("warnings", [](PyAlignment const& a) { return a.alignment.Warnings(); })
+        .def_property_readonly("file_units",
+                               [](PyAlignment const& a) {
+                                   zelalign::AlignmentSource const& src = a.alignment.Source();
+                                   return py::make_tuple(src.linearUnit, src.angularUnit, src.directionUnit);
+                               })
+        .def_property_readonly("coordinate_system",
+                               [](PyAlignment const& a) { return a.alignment.Source().coordinateSystem; })
         .def_property_readonly("has_profile", [](PyAlignment const& a) { return !a.alignment.Profile().Empty(); })
         .def_property_readonly("profile_points",
                                [](PyAlignment const& a) {

@@ -300,6 +300,21 @@ class Alignment:
         return list(self._core.warnings)
 
     @property
+    def file_units(self) -> Dict[str, str]:
+        """The units of the file as its <Units> names them: {"length": "USSurveyFoot",
+        "angle": "grads", "direction": "grads"}; an empty name where the file
+        gives none. Every value of the alignment is already converted: lengths,
+        stations and coordinates are metres, angles radians."""
+        length, angle, direction = self._core.file_units
+        return {"length": length, "angle": angle, "direction": direction}
+
+    @property
+    def coordinate_system(self) -> Optional[str]:
+        """The coordinate system the file declares ("EPSG:25832", or its name), None if none.
+        The coordinates are in metres even where that system's unit is another."""
+        return self._core.coordinate_system or None
+
+    @property
     def tunnel_metre_reference(self) -> Tuple[Optional[float], Optional[float], bool]:
         """(station, tunnel metre, same direction) as given when reading; None for the defaults."""
         return tuple(self._core.reference)

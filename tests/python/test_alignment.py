@@ -320,3 +320,17 @@ def test_unsymmetrical_parabola_heights():
     table = a.point_at([210.0, 250.0, 310.0])
     np.testing.assert_allclose(table.design_height, [103.96, 104.04, 103.56], rtol=0, atol=1e-9)
     np.testing.assert_allclose(table.gradient, [0.008, -0.004, -0.012], rtol=0, atol=1e-12)
+
+
+def test_file_units_and_coordinate_system_as_the_file_declares_them():
+    # us_survey_feet.xml: <Imperial linearUnit="USSurveyFoot" angularUnit="grads"
+    # directionUnit="grads"/> and <CoordinateSystem epsgCode="2263"/>; its first
+    # line runs 1000 US survey feet = 1000 * 1200 / 3937 m from station 1000 ft.
+    feet = zelmath.read_landxml(SOURCE_DIR / "tests" / "data" / "landxml" / "us_survey_feet.xml")
+    assert feet.file_units == {"length": "USSurveyFoot", "angle": "grads", "direction": "grads"}
+    assert feet.coordinate_system == "EPSG:2263"
+    assert feet.start_station == pytest.approx(1000 * 1200 / 3937, abs=1e-9)
+    # The sample declares metres and radians, and no coordinate system.
+    sample = zelmath.read_landxml(SAMPLE_ALIGNMENT)
+    assert sample.file_units == {"length": "meter", "angle": "radians", "direction": "radians"}
+    assert sample.coordinate_system is None
