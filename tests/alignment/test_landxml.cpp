@@ -150,8 +150,8 @@ TEST(LandXml, UnknownSpiralType)
         "<Start>0 0</Start><PI>10 0</PI><End>20 0</End></Spiral>\n";
     EXPECT_EQ(ErrorOf(Document(g)),
               "test.xml:5: <Spiral>: spiral type 'wiener' is not supported (supported: clothoid, cubicParabola, "
-              "cosine, revCosine, bloss, revBloss, biquadratic, biquadraticParabola, revBiquadratic, sinusoid, "
-              "revSinusoid)");
+              "japaneseCubic, cosine, revCosine, bloss, revBloss, biquadratic, biquadraticParabola, revBiquadratic, "
+              "sinusoid, revSinusoid)");
 }
 
 TEST(LandXml, UnparsableNumbers)
