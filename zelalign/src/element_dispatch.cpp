@@ -765,7 +765,6 @@ void CubicPoint(PreparedElement const& c, double station, AlignmentPoint* out)
     out->station = station;
 }
 
-// CMathCbcParabol::Lot on the straight-into-curve element (evaluated stations).
 // The end tests of CMathCbcParabol::Lot (evaluated stations), as ClothoidEnds.
 int CubicEnds(PreparedElement const& c, double east, double north, AlignmentPoint* out, double* first)
 {
@@ -786,15 +785,16 @@ int CubicEnds(PreparedElement const& c, double east, double north, AlignmentPoin
     return SearchOnElement;
 }
 
-int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+// The damped foot search of the cubic parabola and the half-sine classes
+// (their Iterate), from trial station s: the station is kept inside the
+// element, moved by the along-tangent distance over divisor(offset), and the
+// search ends when that distance is within FootTolerance, after maxSteps
+// steps, or when divisor gives 0.
+template <typename PointAt, typename Divisor>
+int DampedFootSearch(PreparedElement const& c, double east, double north, double s, int maxSteps, PointAt point,
+                     Divisor divisor, AlignmentPoint* out)
 {
     using namespace zelmath::horizontal_detail;
-    double s = 0.0;
-    int const ends = CubicEnds(c, east, north, out, &s);
-    if (ends != SearchOnElement) {
-        return ends;
-    }
-    // CMathCbcParabol::Iterate.
     for (int n = 1;; ++n) {
         if (!TolGreater(s, c.startStation)) {
             s = c.startStation + StationInset;
@@ -802,7 +802,7 @@ int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint
         if (!TolLess(s, c.endStation)) {
             s = c.endStation - StationInset;
         }
-        CubicPoint(c, s, out);
+        point(s, out);
         double const qe = east - out->east;
         double const qn = north - out->north;
         double const turn = WorldToLocal(CAAngle(out->azimuth)).Double();
@@ -810,18 +810,32 @@ int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint
         double const si = std::sin(turn);
         double const along = qe * co - qn * si;
         double const across = qe * si + qn * co;
-        double const divisor = DampingDivisor(CALength(std::fabs(across)));
-        if (divisor == 0.0) {
+        double const d = divisor(std::fabs(across));
+        if (d == 0.0) {
             return TPointMathResult::NoSolution;
         }
-        s = s + along / divisor;
-        if (n >= MaxFootSteps) {
+        s = s + along / d;
+        if (n >= maxSteps) {
             return TPointMathResult::NoSolution;
         }
         if (!TolGreater(std::fabs(along), FootTolerance)) {
             return TPointMathResult::OnElement;
         }
     }
+}
+
+int CubicLot(PreparedElement const& c, double east, double north, AlignmentPoint* out)
+{
+    double s = 0.0;
+    int const ends = CubicEnds(c, east, north, out, &s);
+    if (ends != SearchOnElement) {
+        return ends;
+    }
+    using zelmath::horizontal_detail::DampingDivisor;
+    using zelmath::horizontal_detail::MaxFootSteps;
+    return DampedFootSearch(
+        c, east, north, s, MaxFootSteps, [&c](double station, AlignmentPoint* p) { CubicPoint(c, station, p); },
+        [](double offset) { return DampingDivisor(CALength(offset)); }, out);
 }
 
 // False when the element's class would stand in the largest double for an
@@ -931,7 +945,6 @@ void SinePoint(CAxisComplexSpec const& spec, PreparedElement const& c, double st
     out->station = station;
 }
 
-// CMathHalfSin::Lot and Iterate.
 // The end tests of CMathHalfSin::Lot, as ClothoidEnds.
 int SineEnds(CAxisComplexSpec const& spec, PreparedElement const& c, double east, double north, AlignmentPoint* out,
              double* first)
@@ -956,39 +969,19 @@ int SineEnds(CAxisComplexSpec const& spec, PreparedElement const& c, double east
 int SineLot(CAxisComplexSpec const& spec, PreparedElement const& c, double east, double north,
             AlignmentPoint* out)
 {
-    using namespace zelmath::horizontal_detail;
     double s = 0.0;
     int const ends = SineEnds(spec, c, east, north, out, &s);
     if (ends != SearchOnElement) {
         return ends;
     }
-    for (int n = 1;; ++n) {
-        if (!TolGreater(s, c.startStation)) {
-            s = c.startStation + StationInset;
-        }
-        if (!TolLess(s, c.endStation)) {
-            s = c.endStation - StationInset;
-        }
-        SinePoint(spec, c, s, out);
-        double const qe = east - out->east;
-        double const qn = north - out->north;
-        double const turn = WorldToLocal(CAAngle(out->azimuth)).Double();
-        double const co = std::cos(turn);
-        double const si = std::sin(turn);
-        double const along = qe * co - qn * si;
-        double const across = qe * si + qn * co;
-        double divisor = std::fabs(across / HalfSineOffsetPerDivisor);
-        if (divisor < HalfSineMinDivisor) {
-            divisor = HalfSineMinDivisor;
-        }
-        s = s + along / divisor;
-        if (n >= HalfSineMaxSteps) {
-            return TPointMathResult::NoSolution;
-        }
-        if (!TolGreater(std::fabs(along), FootTolerance)) {
-            return TPointMathResult::OnElement;
-        }
-    }
+    return DampedFootSearch(
+        c, east, north, s, HalfSineMaxSteps,
+        [&spec, &c](double station, AlignmentPoint* p) { SinePoint(spec, c, station, p); },
+        [](double offset) {
+            double const d = offset / HalfSineOffsetPerDivisor;
+            return d < HalfSineMinDivisor ? HalfSineMinDivisor : d;
+        },
+        out);
 }
 
 // False for a half-sine without span or radius (its class then stands in the
