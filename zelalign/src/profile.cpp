@@ -17,14 +17,19 @@ using zelmath::CMathLongProfCurve;
 
 namespace {
 
-CACoordinate Pi(ProfilePoint const& p)
+ProfileVertex Vertex(ProfilePoint const& p)
 {
-    return CACoordinate(p.station, p.height);
+    return ProfileVertex{p.station, p.height};
 }
 
 CACoordinate Pi(ProfileVertex const& p)
 {
     return CACoordinate(p.station, p.height);
+}
+
+CACoordinate Pi(ProfilePoint const& p)
+{
+    return Pi(Vertex(p));
 }
 
 // The ends of an unsymmetrical parabola's arcs as zelmath sets them up from
@@ -100,10 +105,8 @@ VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis, double overlapA
             ProfileVertex const v2{p.station + l2 / 2.0, p.height + g2 * l2 / 2.0};
             double const dg = std::fabs(g2 - g1);
             double const l = l1 + l2;
-            ProfileVertex const previous{m_pvis[i - 1].station, m_pvis[i - 1].height};
-            ProfileVertex const next{m_pvis[i + 1].station, m_pvis[i + 1].height};
-            VerticalArc const first{previous, v1, v2, l * l1 / (l2 * dg), true};
-            VerticalArc const second{v1, v2, next, l * l2 / (l1 * dg), true};
+            VerticalArc const first{Vertex(m_pvis[i - 1]), v1, v2, l * l1 / (l2 * dg), true};
+            VerticalArc const second{v1, v2, Vertex(m_pvis[i + 1]), l * l2 / (l1 * dg), true};
             double const from[2] = {m_curveStart[i], p.station};
             double const to[2] = {p.station, m_curveEnd[i]};
             VerticalArc const arc[2] = {first, second};
@@ -158,9 +161,7 @@ VerticalProfile::VerticalProfile(std::vector<ProfilePoint> pvis, double overlapA
             s.endStation = m_curveEnd[i];
             s.length3D = length.Double();
             s.pvi = static_cast<int>(i);
-            s.arc = VerticalArc{ProfileVertex{m_pvis[i - 1].station, m_pvis[i - 1].height},
-                                ProfileVertex{p.station, p.height},
-                                ProfileVertex{m_pvis[i + 1].station, m_pvis[i + 1].height}, std::fabs(p.radius),
+            s.arc = VerticalArc{Vertex(m_pvis[i - 1]), Vertex(p), Vertex(m_pvis[i + 1]), std::fabs(p.radius),
                                 p.curve == VerticalCurveType::Parabola};
             arcs[i].push_back(s);
         }
