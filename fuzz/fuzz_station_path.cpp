@@ -8,6 +8,7 @@
 #include <zelalign/alignment.h>
 #include <zelalign/error.h>
 #include <zelalign/readers/points_csv.h>
+#include <zellib/constants.h>
 
 #include "fuzz_input.h"
 
@@ -21,7 +22,7 @@
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 // Points stationed per batch: enough for the two threads to split.
 constexpr std::size_t MaxPoints = 256;
 // How far the foot of a point abeam an end of the alignment may stray past

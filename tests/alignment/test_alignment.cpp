@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <zelalign/zelalign.h>
+#include <zellib/constants.h>
 
 using zelalign::Alignment;
 using zelalign::ArgumentError;
@@ -28,7 +29,7 @@ using zelmath::CACoordinate;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 // North 100 m from (E 1000, N 2000), then a right quarter circle of radius 100

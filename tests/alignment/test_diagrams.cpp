@@ -14,6 +14,7 @@
 #include <zelalign/diagrams.h>
 #include <zelalign/error.h>
 #include <zelalign/readers/landxml.h>
+#include <zellib/constants.h>
 
 using zelalign::Alignment;
 using zelalign::AxisScale;
@@ -30,7 +31,7 @@ using zelmath::CACoordinate;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 Alignment const& SampleAlignment()

@@ -9,6 +9,7 @@
 
 #include <zelalign/error.h>
 #include <zelalign/horizontal.h>
+#include <zellib/constants.h>
 
 using zelalign::AlignmentPoint;
 using zelalign::ElementType;
@@ -20,7 +21,7 @@ using zelmath::CACoordinate;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 // North along a straight of 100 m, a right-turning quarter circle of radius 100
 // (centre (ox + 100, oy + 100)) into East, a straight of 200 m East, then a

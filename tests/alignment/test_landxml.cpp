@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <zelalign/readers/landxml.h>
+#include <zellib/constants.h>
 
 using zelalign::ElementType;
 using zelalign::Alignment;
@@ -14,7 +15,7 @@ using zelalign::VerticalCurveType;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 // Wraps a CoordGeom body (and an optional profile) into a LandXML document whose
 // CoordGeom children start on line 5.

@@ -28,6 +28,7 @@
 #include <zelalign/horizontal.h>
 #include <zelalign/readers/landxml.h>
 #include <zelalign/transition_curve.h>
+#include <zellib/constants.h>
 
 #include "common/allocation_counter.h"
 
@@ -39,7 +40,7 @@ using zelalign::TransitionShape;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 TransitionShape const Shapes[] = {TransitionShape::Bloss, TransitionShape::Biquadratic, TransitionShape::Cosine,
                                   TransitionShape::Sinusoid};

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <zelalign/diagrams.h>
+#include <zellib/constants.h>
 
 #include "report/figures.h"
 
@@ -18,7 +19,7 @@ using zel::report::StationAxis;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 std::size_t Count(std::string const& text, std::string const& what)
 {

@@ -3,12 +3,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <zellib/constants.h>
 
 namespace zel {
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 // Values this large are written in their shortest exact form rather than
 // with fixed decimals, which would invent digits.
 constexpr double LargestFixedValue = 1e15;

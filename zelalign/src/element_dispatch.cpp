@@ -30,6 +30,7 @@
 #include <zelmath/cubic_parabola.h>
 #include <zelmath/half_sine.h>
 #include <zelmath/line.h>
+#include <zellib/constants.h>
 
 namespace zelalign {
 namespace detail {
@@ -42,7 +43,7 @@ using zelmath::TPointMathResult;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 void Copy(CAxisPointSpec const& rec, AlignmentPoint* out)
 {

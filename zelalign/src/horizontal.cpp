@@ -14,6 +14,7 @@
 
 #include <zelalign/error.h>
 #include <zelmath/complex_shape.h>
+#include <zellib/constants.h>
 
 #include "element_dispatch.h"
 
@@ -25,7 +26,7 @@ using zelmath::TPointMathResult;
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 // Points sampled along an element for its bounding box: one every
 // BoxSampleSpacing metres, at least BoxMinSamples and at most BoxMaxSamples.

@@ -8,12 +8,13 @@
 #include <string>
 
 #include <zelalign/error.h>
+#include <zellib/constants.h>
 
 namespace zelalign {
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 constexpr double TwoPi = 2.0 * Pi;
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 

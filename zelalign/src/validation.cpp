@@ -1,5 +1,6 @@
 // The checks of an alignment's plan and profile, sorted by the named tolerances.
 #include <zelalign/validation.h>
+#include <zellib/constants.h>
 
 #include <cmath>
 #include <cstdio>
@@ -9,7 +10,7 @@ namespace zelalign {
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 // "12.3 mm" for lengths below a metre, "5.100 m" above.
 std::string Size(double metres)

@@ -7,12 +7,13 @@
 
 #include "format.h"
 #include "report/svg.h"
+#include <zellib/constants.h>
 
 namespace zel::report {
 
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 // Layout of the station figures (pixels).
 constexpr double TitleBaseline = 20.0;   // the figure's own title

@@ -16,6 +16,7 @@
 #include <pugixml.hpp>
 
 #include <zelmath/long_prof_curve.h>
+#include <zellib/constants.h>
 
 namespace zelalign {
 
@@ -53,7 +54,7 @@ constexpr AngularUnit AngularUnits[] = {{"radians", AngleUnit::Radians},
                                         {"grads", AngleUnit::Grads},
                                         {"decimal degrees", AngleUnit::DecimalDegrees},
                                         {"decimal dd.mm.ss", AngleUnit::DegreesMinutesSeconds}};
-constexpr double Pi = 3.14159265358979323846;
+constexpr double Pi = zellib::CAPi;
 
 // A Curve's length attribute may differ from the length its points give by
 // this much (metres) before a warning is issued.
